@@ -1,0 +1,23 @@
+#include "SimControl.h"
+
+#include "Interface.h"
+
+namespace q7sim::control {
+
+void Reset()
+{
+    CloseInterface();
+    Faults().Clear();
+}
+
+void FailNext(const char *operation, unsigned count, const char *text) { Faults().FailNext(operation, count, text); }
+
+void ConnectSucceedsAtAttempt(unsigned attempt) { Faults().ConnectSucceedsAtAttempt(attempt); }
+
+Device *OpenDevice()
+{
+    Q7_CalInterface *itf = CurrentInterface();
+    return itf != nullptr ? &itf->device : nullptr;
+}
+
+}  // namespace q7sim::control

@@ -1,0 +1,39 @@
+#!/usr/bin/env bash
+# Feeds CASE.in to the program and compares its whole stdout with CASE.out and
+# its exit status with CASE.status (0 when there is no such file).
+#
+#   run_transcript.sh Q7CAL CASE            compare
+#   run_transcript.sh --record Q7CAL CASE   write CASE.out from the program:
+#       check every line against the texts the commands are meant to print
+#       before committing it; a recorded transcript proves nothing by itself.
+set -u
+record=0
+if [ "${1:-}" = "--record" ]; then record=1; shift; fi
+bin=$1
+case=$2
+
+actual=$(mktemp)
+trap 'rm -f "$actual"' EXIT
+"$bin" <"$case.in" >"$actual"
+status=$?
+
+if [ $record -eq 1 ]; then
+  cp "$actual" "$case.out"
+  [ $status -eq 0 ] && rm -f "$case.status" || echo $status >"$case.status"
+  echo "recorded $case.out (exit status $status)"
+  exit 0
+fi
+
+expected_status=0
+[ -f "$case.status" ] && expected_status=$(cat "$case.status")
+failed=0
+if ! cmp -s "$case.out" "$actual"; then
+  echo "stdout differs from $case.out (- expected, + actual):"
+  diff -u "$case.out" "$actual" | cat -A | head -200
+  failed=1
+fi
+if [ "$status" != "$expected_status" ]; then
+  echo "exit status $status, expected $expected_status"
+  failed=1
+fi
+exit $failed

@@ -1,0 +1,56 @@
+#include "console_capture.h"
+
+#include <cstdio>
+#include <cstdlib>
+
+#include "SimControl.h"
+#include "console.h"
+
+std::string RunWithInput(const std::string &input, const std::function<void()> &body)
+{
+    std::fflush(stdout);
+    FILE *in = std::tmpfile();
+    char *captured = nullptr;
+    size_t capturedSize = 0;
+    FILE *out = open_memstream(&captured, &capturedSize);
+    if (in == nullptr || out == nullptr) {
+        ADD_FAILURE() << "cannot redirect the console";
+        return "";
+    }
+    std::fwrite(input.data(), 1, input.size(), in);
+    std::rewind(in);
+
+    FILE *savedIn = stdin;
+    FILE *savedOut = stdout;
+    stdin = in;
+    stdout = out;
+    ResetInputState();
+    body();
+    std::fflush(out);
+    stdin = savedIn;
+    stdout = savedOut;
+
+    std::fclose(in);
+    std::fclose(out);
+    std::string output(captured, capturedSize);
+    std::free(captured);
+    return output;
+}
+
+HandlerRun RunHandler(int (*handler)(CalInterfaceHandle), CalInterfaceHandle hCal, const std::string &input)
+{
+    HandlerRun run{0, ""};
+    run.output = RunWithInput(input, [&] { run.result = handler(hCal); });
+    return run;
+}
+
+void SimulatedDeviceTest::SetUp()
+{
+    q7sim::control::Reset();
+    char buffer[128];
+    hCal = Q7_GetCalInterface(Q7_INTERFACE_LOCAL, buffer, nullptr);
+    ASSERT_NE(hCal, nullptr);
+    ASSERT_EQ(Q7_ConnectDevice(hCal), nullptr);
+}
+
+void SimulatedDeviceTest::TearDown() { q7sim::control::Reset(); }

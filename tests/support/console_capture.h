@@ -1,0 +1,34 @@
+// Runs code with standard input read from a string and standard output
+// captured, as a scripted session at the console would.
+#ifndef Q7_TEST_CONSOLE_CAPTURE_H
+#define Q7_TEST_CONSOLE_CAPTURE_H
+
+#include <gtest/gtest.h>
+
+#include <functional>
+#include <string>
+
+#include "Q7CalAPI.h"
+
+// What `body` printed while reading `input` (a fresh input stream: the
+// console's end-of-input state is reset first).
+std::string RunWithInput(const std::string &input, const std::function<void()> &body);
+
+struct HandlerRun {
+    int result;
+    std::string output;
+};
+
+// Calls the handler with the handle, answering its prompts from `input`.
+HandlerRun RunHandler(int (*handler)(CalInterfaceHandle), CalInterfaceHandle hCal, const std::string &input = "");
+
+// A factory-fresh simulated device, opened and connected; reset afterwards.
+class SimulatedDeviceTest : public ::testing::Test {
+protected:
+    void SetUp() override;
+    void TearDown() override;
+
+    CalInterfaceHandle hCal = nullptr;
+};
+
+#endif

@@ -1,0 +1,109 @@
+#include <gtest/gtest.h>
+
+#include <unistd.h>
+
+#include <string>
+#include <vector>
+
+#include "SimControl.h"
+#include "connection.h"
+#include "console_capture.h"
+
+// Stands in for the real sleep: records the pauses instead of sleeping.
+static std::vector<uint32_t> g_sleeps;
+void Q7_SleepMs(uint32_t u32Milliseconds) { g_sleeps.push_back(u32Milliseconds); }
+
+namespace {
+
+class ConnectionTest : public ::testing::Test {
+protected:
+    void SetUp() override
+    {
+        q7sim::control::Reset();
+        g_sleeps.clear();
+    }
+    void TearDown() override { q7sim::control::Reset(); }
+
+    CalInterfaceHandle Open()
+    {
+        char buffer[128];
+        return Q7_GetCalInterface(Q7_INTERFACE_LOCAL, buffer, nullptr);
+    }
+};
+
+size_t Count(const std::string &text, const std::string &what)
+{
+    size_t count = 0;
+    for (size_t at = text.find(what); at != std::string::npos; at = text.find(what, at + 1))
+        count++;
+    return count;
+}
+
+TEST_F(ConnectionTest, ADeviceThatAnswersAtTheThirdAttemptConnectsAfterTwoPauses)
+{
+    q7sim::control::ConnectSucceedsAtAttempt(3);
+    int result = -1;
+    std::string output = RunWithInput("", [&] { result = Initialize(Open()); });
+    EXPECT_EQ(result, 0);
+    EXPECT_EQ(output,
+              "\nTrying to open handle to Device..."
+              "\nFailed because: Device did not answer the connect request\n"
+              "\nTrying to open handle to Device..."
+              "\nFailed because: Device did not answer the connect request\n"
+              "\nTrying to open handle to Device...Success!!\n");
+    EXPECT_EQ(g_sleeps, (std::vector<uint32_t>{1000, 1000}));
+}
+
+TEST_F(ConnectionTest, ADeviceThatNeverAnswersFailsAfterExactlyTenAttempts)
+{
+    q7sim::control::ConnectSucceedsAtAttempt(0);
+    int result = 0;
+    std::string output = RunWithInput("", [&] { result = Initialize(Open()); });
+    EXPECT_EQ(result, -1);
+    EXPECT_EQ(Count(output, "\nTrying to open handle to Device..."), 10u);
+    EXPECT_EQ(Count(output, "\nFailed because: "), 10u);
+    EXPECT_EQ(g_sleeps, std::vector<uint32_t>(10, 1000));
+    EXPECT_EQ(output.find("Success"), std::string::npos);
+}
+
+TEST_F(ConnectionTest, NoInterfaceMeansNoAttempt)
+{
+    std::string output = RunWithInput("", [&] { EXPECT_EQ(Initialize(nullptr), -1); });
+    EXPECT_EQ(output, "");
+    EXPECT_TRUE(g_sleeps.empty());
+}
+
+TEST_F(ConnectionTest, SelectInterfaceChoosesTheLocalInterface)
+{
+    uint32_t type = 77;
+    CalInterfaceHandle hCal = nullptr;
+    RunWithInput("", [&] { hCal = SelectInterface(&type); });
+    EXPECT_NE(hCal, nullptr);
+    EXPECT_EQ(type, 0u);
+}
+
+TEST_F(ConnectionTest, SelectInterfaceEndsTheProgramWithStatusOneWhenTheDeviceNeverAnswers)
+{
+    q7sim::control::ConnectSucceedsAtAttempt(0);
+    uint32_t type = 0;
+    EXPECT_EXIT(
+        {
+            dup2(STDERR_FILENO, STDOUT_FILENO);  // let the death test see what was printed
+            SelectInterface(&type);
+        },
+        ::testing::ExitedWithCode(1), "Failed because: .*\nERROR: Unable to open a Local Cal API interface\n\n$");
+}
+
+TEST_F(ConnectionTest, SelectInterfaceEndsTheProgramWithStatusOneWhenNoInterfaceOpens)
+{
+    q7sim::control::FailNext("Q7_GetCalInterface", 1, "");
+    uint32_t type = 0;
+    EXPECT_EXIT(
+        {
+            dup2(STDERR_FILENO, STDOUT_FILENO);
+            SelectInterface(&type);
+        },
+        ::testing::ExitedWithCode(1), "^\nERROR: Unable to open a Local Cal API interface\n\n$");
+}
+
+}  // namespace

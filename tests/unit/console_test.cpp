@@ -1,0 +1,148 @@
+#include <gtest/gtest.h>
+
+#include <cstring>
+#include <string>
+
+#include "console.h"
+#include "console_capture.h"
+
+namespace {
+
+// The choices ReadChoice returns for the words of `input`, one call per word.
+std::vector<int> Choices(const std::string &input, int calls)
+{
+    std::vector<int> choices;
+    RunWithInput(input, [&] {
+        for (int i = 0; i < calls; i++)
+            choices.push_back(ReadChoice());
+    });
+    return choices;
+}
+
+TEST(ReadChoice, TakesTheNumberAtTheStartOfEachWord)
+{
+    EXPECT_EQ(Choices("7abc\n   7\n-2 abc 0 +3\n", 6), (std::vector<int>{7, 7, -2, 0, 0, 3}));
+}
+
+TEST(ReadChoice, EmptyLinesDoNotEndTheWait)
+{
+    EXPECT_EQ(Choices("\n\n\n  4\n", 1), (std::vector<int>{4}));
+}
+
+TEST(ReadChoice, EndOfInputReadsAsMinusOneEveryTime)
+{
+    bool ended = false;
+    std::vector<int> choices;
+    RunWithInput("2", [&] {
+        for (int i = 0; i < 3; i++)
+            choices.push_back(ReadChoice());
+        ended = InputEnded();
+    });
+    EXPECT_EQ(choices, (std::vector<int>{2, -1, -1}));
+    EXPECT_TRUE(ended);
+}
+
+TEST(ReadChoice, OverLongAndOutOfRangeWordsAreOneInvalidChoice)
+{
+    std::string longWord(60, '1');
+    EXPECT_EQ(Choices(longWord + " 5\n99999999999\n", 3), (std::vector<int>{0, 5, 0}));
+}
+
+TEST(PadString, PadsOrCutsToTheWidth)
+{
+    EXPECT_STREQ(PadString("<Reserved>", ' ', 30), "<Reserved>                    ");
+    std::string forty(40, 'x');
+    EXPECT_EQ(std::string(PadString(forty.c_str(), ' ', 30)), std::string(30, 'x'));
+    EXPECT_EQ(std::string(PadString("", '*', 35)), std::string(35, '*'));
+    EXPECT_STREQ(PadString("abc", ' ', 0), "");
+}
+
+TEST(PadString, RefusesNullLongTextsAndWidthsAboveItsBuffer)
+{
+    EXPECT_EQ(PadString(nullptr, ' ', 10), nullptr);
+    std::string eightyOne(81, 'x');
+    EXPECT_EQ(PadString(eightyOne.c_str(), ' ', 30), nullptr);
+    EXPECT_EQ(PadString("abc", ' ', 81), nullptr);
+    std::string eighty(80, 'y');
+    EXPECT_EQ(std::string(PadString(eighty.c_str(), ' ', 80)), eighty);
+}
+
+TEST(PressEnterToContinue, ReturnsAfterAnySingleCharacter)
+{
+    int next = 0;
+    std::string output = RunWithInput("x\n5\n", [&] {
+        PressEnterToContinue();
+        next = ReadChoice();
+    });
+    EXPECT_EQ(output, "\nPress Enter to continue\n");
+    EXPECT_EQ(next, 5);
+}
+
+TEST(PressEnterToContinue, OnAPipeDropsOnlyWhatTheLastReadLeftOfItsLine)
+{
+    // After "3" the script answers each pause with one empty line; both pauses
+    // stay in step and the choice after them is read intact.
+    std::vector<int> choices;
+    RunWithInput("3 ignored\n\n\n4\n", [&] {
+        choices.push_back(ReadChoice());
+        PressEnterToContinue();
+        PressEnterToContinue();
+        choices.push_back(ReadChoice());
+    });
+    EXPECT_EQ(choices, (std::vector<int>{3, 4}));
+}
+
+TEST(PressEnterToContinue, ReturnsAtOnceAtEndOfInput)
+{
+    bool ended = false;
+    std::string output = RunWithInput("", [&] {
+        PressEnterToContinue();
+        ended = InputEnded();
+    });
+    EXPECT_EQ(output, "\nPress Enter to continue\n");
+    EXPECT_TRUE(ended);
+}
+
+TEST(Readers, ConvertWithTheirOwnConversion)
+{
+    uint32_t u = 0, h = 0, minusOne = 0;
+    int32_t s = 0;
+    double d = 0;
+    std::string output = RunWithInput("42 ff -7 -2.5\n-1\n", [&] {
+        EXPECT_TRUE(ReadUnsigned(&u, "U? "));
+        EXPECT_TRUE(ReadHex(&h, "H? "));
+        EXPECT_TRUE(ReadSigned(&s, "S? "));
+        EXPECT_TRUE(ReadDouble(&d, "D? "));
+        EXPECT_TRUE(ReadUnsigned(&minusOne, "Value %u of %u ? ", 1u, 2u));
+    });
+    EXPECT_EQ(output, "U? H? S? D? Value 1 of 2 ? ");
+    EXPECT_EQ(u, 42u);
+    EXPECT_EQ(h, 0xFFu);
+    EXPECT_EQ(s, -7);
+    EXPECT_EQ(d, -2.5);
+    EXPECT_EQ(minusOne, 0xFFFFFFFFu);  // typed -1 reads as the largest unsigned value
+}
+
+TEST(Readers, TextThatIsNotANumberAsksTheSamePromptAgain)
+{
+    uint32_t value = 0;
+    std::string output = RunWithInput("xyz def\nzz\n12\n", [&] { EXPECT_TRUE(ReadHex(&value, "    Value (hex) ? ")); });
+    // Neither "xyz" nor "zz" is hexadecimal; the whole rest of each bad line is dropped.
+    EXPECT_EQ(output,
+              "    Value (hex) ? \nNot a number. Please enter a hexadecimal number.\n"
+              "    Value (hex) ? \nNot a number. Please enter a hexadecimal number.\n"
+              "    Value (hex) ? ");
+    EXPECT_EQ(value, 0x12u);
+}
+
+TEST(Readers, EndOfInputAbandonsWithOneLineAndLeavesTheValue)
+{
+    int32_t value = 77;
+    bool read = true;
+    std::string output = RunWithInput("abc", [&] { read = ReadSigned(&value, "N? "); });
+    EXPECT_FALSE(read);
+    EXPECT_EQ(value, 77);
+    EXPECT_EQ(output, "N? \nNot a number. Please enter a decimal number.\nN? \nEnd of input: command abandoned.\n");
+}
+
+}  // namespace
