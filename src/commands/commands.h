@@ -13,4 +13,23 @@ int TestSetDeviceMode(CalInterfaceHandle hCal);
 int TestGetBandConfig(CalInterfaceHandle hCal);
 int TestSetBandConfig(CalInterfaceHandle hCal);
 
+/* Rx Commands */
+
+/* Tx Commands */
+
+/* Loopback Calibration Commands */
+
+/* Other Commands */
+
+/* DSD Management Commands (and section selection and copy) */
+
+/* DSD Read/Write Commands */
+
+/* Library Configuration Commands */
+
+/* Test Commands */
+
+/* Stands in for a menu row whose command is not written yet. */
+int CommandNotAvailable(CalInterfaceHandle hCal);
+
 #endif /* Q7_COMMANDS_H */

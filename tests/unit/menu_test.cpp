@@ -9,8 +9,7 @@
 
 namespace {
 
-// The command groups in menu order; the table holds a prefix of them while
-// commands are still being added.
+// The command groups in menu order.
 const char *const kGroupTitles[] = {
     "Configuration Commands", "Rx Commands", "Tx Commands",
     "Loopback Calibration Commands", "Other Commands", "DSD Management Commands",
@@ -34,6 +33,7 @@ TEST(MenuTable, EveryRowHasALabelAndAHandlerAndGroupsComeInMenuOrder)
     }
     EXPECT_EQ(MenuEntry[i].sGroupTitle, nullptr);
     EXPECT_EQ(MenuEntry[i].pfnHandler, nullptr);
+    EXPECT_EQ(groups, std::size(kGroupTitles));
     EXPECT_LE(groups, static_cast<size_t>(MAX_MENU_GROUPS));
 }
 
@@ -57,7 +57,7 @@ TEST_F(MenuLoopTest, MainMenuShowsTheGroupsAndARowOfAsterisksAsWideAsItsHeading)
 {
     std::string output = Session("-1\n");
     EXPECT_EQ(output.rfind("\n\n******** Cal API Main Menu ********\n\n    1. Configuration Commands", 0), 0u);
-    EXPECT_NE(output.find("\n\n   -1. Exit application\n\n" + std::string(35, '*') + "\n\nENTER OPTION : "),
+    EXPECT_NE(output.find("\n\n    9. Test Commands\n\n   -1. Exit application\n\n" + std::string(35, '*') + "\n\nENTER OPTION : "),
               std::string::npos);
 }
 
