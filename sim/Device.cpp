@@ -18,4 +18,11 @@ Status Device::Disconnect()
     return Status::Ok();
 }
 
+bool Device::Transmitting() const
+{
+    uint32_t dutMode = modes.mode().dutMode;
+    bool txMode = dutMode == kDutTxCw || dutMode == kDutTxOfdma || dutMode == kDutLoopback;
+    return txMode && tx.activeTx() != 0;
+}
+
 }  // namespace q7sim

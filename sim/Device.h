@@ -8,6 +8,7 @@
 
 #include "ModeControl.h"
 #include "Status.h"
+#include "Transmitters.h"
 
 namespace q7sim {
 
@@ -24,7 +25,11 @@ public:
     Status Connect();
     Status Disconnect();
 
+    // A transmitter is on in the Tx and loopback modes, when one is active.
+    bool Transmitting() const;
+
     ModeControl modes;
+    Transmitters tx;
 
 private:
     uint64_t nowUs_ = 0;
