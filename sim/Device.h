@@ -6,9 +6,17 @@
 
 #include <cstdint>
 
+#include "AnalogIo.h"
+#include "Calibration.h"
+#include "EchoLink.h"
+#include "Gpio.h"
 #include "ModeControl.h"
+#include "Rfic.h"
+#include "Spectrum.h"
 #include "Status.h"
+#include "Thermal.h"
 #include "Transmitters.h"
+#include "VersionInfo.h"
 
 namespace q7sim {
 
@@ -18,7 +26,12 @@ public:
     // the wall clock, so that a scripted session prints the same every time.
     static constexpr uint64_t kTickUs = 5000;
 
-    void Tick() { nowUs_ += kTickUs; }
+    // The die warms while a transmitter is on during the frame.
+    void Tick()
+    {
+        nowUs_ += kTickUs;
+        thermal.Advance(kTickUs, Transmitting());
+    }
     uint64_t nowUs() const { return nowUs_; }
 
     bool connected() const { return connected_; }
@@ -30,6 +43,14 @@ public:
 
     ModeControl modes;
     Transmitters tx;
+    Calibration cal;
+    Gpio gpio;
+    Rfic rfic;
+    Thermal thermal;
+    AnalogIo analog;
+    Spectrum spectrum;
+    VersionInfo versions;
+    EchoLink echo;
 
 private:
     uint64_t nowUs_ = 0;

@@ -18,8 +18,30 @@ int TestSetBandConfig(CalInterfaceHandle hCal);
 /* Tx Commands */
 
 /* Loopback Calibration Commands */
+int TestSetTRSwitch(CalInterfaceHandle hCal);
+int TestCalibrateLCTrim(CalInterfaceHandle hCal);
+int TestCalibrateTxGains(CalInterfaceHandle hCal);
+int TestCalibrateTxPoutFreqCorr(CalInterfaceHandle hCal);
+int TestCalibrateFESteps(CalInterfaceHandle hCal);
+int TestCalibrateTxExtAttnStep(CalInterfaceHandle hCal);
+/* The result tables of the FE step and external attenuator step calibrations,
+ * each led by an empty line; pairs hold Rx1 first, then Rx2. */
+void PrintFEStepTable(const double adPgaGainCorrection[2], const double adLnaMidGainStep[2],
+                      const double adLnaHighGainStep[2], const double adLnaExtGainStep[2]);
+void PrintTxExtAttnSteps(const double adSteps[Q7_TX_EXT_ATTN_STEPS]);
 
 /* Other Commands */
+int TestReadGPIOState(CalInterfaceHandle hCal);
+int TestSetGPIOConfiguration(CalInterfaceHandle hCal);
+int TestSetGPIOPinState(CalInterfaceHandle hCal);
+int TestReadRFICRegister(CalInterfaceHandle hCal);
+int TestWriteRFICRegister(CalInterfaceHandle hCal);
+int TestGetTemperature(CalInterfaceHandle hCal);
+int TestGetGPADCValue(CalInterfaceHandle hCal);
+int TestSetGPDACValue(CalInterfaceHandle hCal);
+int TestResetRxSpectrum(CalInterfaceHandle hCal);
+int TestGetRxSpectrum(CalInterfaceHandle hCal);
+int TestGetVersionInfo(CalInterfaceHandle hCal);
 
 /* DSD Management Commands (and section selection and copy) */
 
@@ -28,6 +50,7 @@ int TestSetBandConfig(CalInterfaceHandle hCal);
 /* Library Configuration Commands */
 
 /* Test Commands */
+#include "diagnostics.h"
 
 /* Stands in for a menu row whose command is not written yet. */
 int CommandNotAvailable(CalInterfaceHandle hCal);

@@ -1,0 +1,22 @@
+/* The echo test: one echo exchange with the device through the library. */
+#include <stdint.h>
+#include <stdio.h>
+
+#include "console.h"
+#include "diagnostics.h"
+#include "report.h"
+
+int TestEchoTest(CalInterfaceHandle hCal)
+{
+    uint32_t u32MessageLength = 0;
+
+    if (hCal == NULL)
+        return -1;
+    puts("\nEcho test:");
+    if (!ReadUnsigned(&u32MessageLength, "    Message length in bytes (dec) ? "))
+        return -1;
+    if (ReportError(Q7_EchoTest(hCal, u32MessageLength)))
+        return -1;
+    puts("\nEcho test operation was SUCCESSFUL.");
+    return ReportSuccess("TestEchoTest");
+}

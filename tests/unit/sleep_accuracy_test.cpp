@@ -1,0 +1,84 @@
+#include <gtest/gtest.h>
+
+#include <string>
+#include <vector>
+
+#include "connection.h"
+#include "console_capture.h"
+#include "data_utils.h"
+#include "diagnostics.h"
+
+// Stand-ins for the host clock and sleep: the clock moves by a fixed step at
+// every reading, and a sleep moves it by what was asked plus an overshoot.
+static double g_clockMs = 0.0;
+static double g_stepMs = 0.0;
+static double g_overshootMs = 0.0;
+static unsigned long g_readings = 0;
+static std::vector<uint32_t> g_sleeps;
+
+double GetElapsedTimeMs(void)
+{
+    g_readings++;
+    g_clockMs += g_stepMs;
+    return g_clockMs;
+}
+
+void Q7_SleepMs(uint32_t u32Milliseconds)
+{
+    g_sleeps.push_back(u32Milliseconds);
+    if (u32Milliseconds != 0)
+        g_clockMs += u32Milliseconds + g_overshootMs;
+}
+
+namespace {
+
+// Any non-null handle: the test makes no Cal API call.
+CalInterfaceHandle AnyHandle() { return reinterpret_cast<CalInterfaceHandle>(&g_clockMs); }
+
+class SleepAccuracyTestTest : public ::testing::Test {
+protected:
+    void SetUp() override
+    {
+        g_clockMs = 1000.0;
+        g_stepMs = 0.0;
+        g_overshootMs = 0.0;
+        g_readings = 0;
+        g_sleeps.clear();
+    }
+};
+
+TEST_F(SleepAccuracyTestTest, ReportsTheResolutionAndFiveDurationsEach200Sleeps)
+{
+    g_stepMs = 0.25;
+    g_overshootMs = 0.1;
+    HandlerRun run = RunHandler(SleepAccuracyTest, AnyHandle());
+    EXPECT_EQ(run.result, 0);
+    // Each Actual figure is (200 sleeps + one clock step) / 200.
+    EXPECT_EQ(run.output,
+              "Checking time resolution over 1000000 iterations ...\n"
+              "Estimated resolution = 0.2500 ms\n"
+              "Checking sleep function over 200 iterations ...\n"
+              "Actual  0.00 ms - Nominal =  0.00 ms - Excess = 0.00 ms\n"
+              "Actual  5.10 ms - Nominal =  5.00 ms - Excess = 0.10 ms\n"
+              "Actual 10.10 ms - Nominal = 10.00 ms - Excess = 0.10 ms\n"
+              "Actual 15.10 ms - Nominal = 15.00 ms - Excess = 0.10 ms\n"
+              "Actual 20.10 ms - Nominal = 20.00 ms - Excess = 0.10 ms\n"
+              "\n"
+              "\nSleepAccuracyTest was SUCCESSFUL.\n");
+
+    // One reading before the resolution loop, one per iteration, two per duration.
+    EXPECT_EQ(g_readings, 1u + 1000000u + 5u * 2u);
+    std::vector<uint32_t> expected;
+    for (uint32_t nominal : {0u, 5u, 10u, 15u, 20u})
+        expected.insert(expected.end(), 200, nominal);
+    EXPECT_EQ(g_sleeps, expected);
+}
+
+TEST_F(SleepAccuracyTestTest, AClockThatNeverMovesReportsTheInitialSmallestDifference)
+{
+    HandlerRun run = RunHandler(SleepAccuracyTest, AnyHandle());
+    EXPECT_EQ(run.result, 0);
+    EXPECT_NE(run.output.find("\nEstimated resolution = 100000000.0000 ms\n"), std::string::npos);
+}
+
+}  // namespace
