@@ -6,7 +6,9 @@
 
 #include <cstdint>
 
+#include "Dsd.h"
 #include "ModeControl.h"
+#include "Options.h"
 #include "Status.h"
 #include "Transmitters.h"
 
@@ -28,8 +30,14 @@ public:
     // A transmitter is on in the Tx and loopback modes, when one is active.
     bool Transmitting() const;
 
+    // The memory that DSD reads and writes address: the NVM mode (library
+    // option 7) chooses the NVM's current section or the DSD buffer.
+    DsdArea DsdTarget() { return dsd.Area(options.nvmMode()); }
+
     ModeControl modes;
     Transmitters tx;
+    Dsd dsd;
+    Options options;
 
 private:
     uint64_t nowUs_ = 0;
