@@ -161,9 +161,18 @@ Status Dsd::BlockChecksums(uint16_t checksums[kDsdBlockCount], uint32_t *count) 
     Status status = LoadedBlockCount(count);
     if (!status.ok())
         return status;
+    // A block that the directory places outside the DSD has no checksum to
+    // read: its entry is left as it was and the others are still reported.
     DsdReader reader(loaded());
-    for (uint32_t block = 0; block < std::min(*count, kDsdBlockCount); block++)
-        checksums[block] = reader.StoredBlockChecksum(block);
+    std::optional<uint32_t> misplaced;
+    for (uint32_t block = 0; block < std::min(*count, kDsdBlockCount); block++) {
+        if (reader.Block(block))
+            checksums[block] = reader.StoredBlockChecksum(block);
+        else if (!misplaced)
+            misplaced = block;
+    }
+    if (misplaced)
+        return Status::Errorf("DSD block %u lies outside the DSD: its checksum cannot be read", *misplaced);
     return Status::Ok();
 }
 

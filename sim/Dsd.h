@@ -70,6 +70,8 @@ public:
 
     bool LoadedValid() const { return DsdReader(loaded()).Valid(); }
     Status BlockValidity(uint8_t valid[kDsdBlockCount], uint32_t *count) const;
+    // The checksums stored in the blocks; fails, after reporting the count
+    // and every readable checksum, when a block lies outside the DSD.
     Status BlockChecksums(uint16_t checksums[kDsdBlockCount], uint32_t *count) const;
     // The CAL block's checksum is valid and its cal flag is set.
     bool CalibrationValid() const;
