@@ -45,6 +45,7 @@ public:
     // buffer and loaded it.
     Dsd();
 
+    // Declared before the buffer and the loaded copy, which start from it.
     Nvm nvm;
 
     // The area for the NVM mode (an unknown mode addresses the NVM).
