@@ -8,9 +8,11 @@
 
 #include "AnalogIo.h"
 #include "Calibration.h"
+#include "Dsd.h"
 #include "EchoLink.h"
 #include "Gpio.h"
 #include "ModeControl.h"
+#include "Options.h"
 #include "Rfic.h"
 #include "Spectrum.h"
 #include "Status.h"
@@ -41,6 +43,10 @@ public:
     // A transmitter is on in the Tx and loopback modes, when one is active.
     bool Transmitting() const;
 
+    // The memory that DSD reads and writes address: the NVM mode (library
+    // option 7) chooses the NVM's current section or the DSD buffer.
+    DsdArea DsdTarget() { return dsd.Area(options.nvmMode()); }
+
     ModeControl modes;
     Transmitters tx;
     Calibration cal;
@@ -51,6 +57,8 @@ public:
     Spectrum spectrum;
     VersionInfo versions;
     EchoLink echo;
+    Dsd dsd;
+    Options options;
 
 private:
     uint64_t nowUs_ = 0;

@@ -1,94 +1,151 @@
-// Cal API entry points of the simulated device. The DSD: loading, checksums, calibration record, MAC address, NVM and flash sections, reads and writes.
-// Not modelled yet: each answers an error text that says so, so that the
-// library always links.
+// Cal API entry points of the simulated device. The DSD: loading, checksums,
+// calibration record, MAC address, NVM and flash sections, reads and writes.
+#include <cstring>
+
 #include "Interface.h"
+
+using q7sim::CalibrationRecord;
+using q7sim::Device;
+using q7sim::Dispatch;
+using q7sim::Requires;
+using q7sim::Status;
 
 extern "C" {
 
-ApiStatus Q7_LoadDSD(CalInterfaceHandle hCal, uint32_t)
+ApiStatus Q7_LoadDSD(CalInterfaceHandle hCal, uint32_t u32LoadMode)
 {
-    return q7sim::NotSupportedYet(hCal, __func__);
+    return Dispatch(hCal, __func__, Requires::Connection, [&](Device &device) { return device.dsd.Load(u32LoadMode); });
 }
 
-ApiStatus Q7_IsDSDValid(CalInterfaceHandle hCal, uint32_t *)
+ApiStatus Q7_IsDSDValid(CalInterfaceHandle hCal, uint32_t *pu32Valid)
 {
-    return q7sim::NotSupportedYet(hCal, __func__);
+    return Dispatch(hCal, __func__, Requires::Connection, [&](Device &device) {
+        *pu32Valid = device.dsd.LoadedValid() ? 1 : 0;
+        return Status::Ok();
+    });
 }
 
-ApiStatus Q7_AreDSDChecksumsValid(CalInterfaceHandle hCal, uint8_t *, uint32_t *)
+ApiStatus Q7_AreDSDChecksumsValid(CalInterfaceHandle hCal, uint8_t *pu8BlockValid, uint32_t *pu32BlockCount)
 {
-    return q7sim::NotSupportedYet(hCal, __func__);
+    return Dispatch(hCal, __func__, Requires::Connection,
+                    [&](Device &device) { return device.dsd.BlockValidity(pu8BlockValid, pu32BlockCount); });
 }
 
-ApiStatus Q7_GetDSDChecksums(CalInterfaceHandle hCal, uint16_t *, uint32_t *)
+ApiStatus Q7_GetDSDChecksums(CalInterfaceHandle hCal, uint16_t *pu16Checksums, uint32_t *pu32BlockCount)
 {
-    return q7sim::NotSupportedYet(hCal, __func__);
+    return Dispatch(hCal, __func__, Requires::Connection,
+                    [&](Device &device) { return device.dsd.BlockChecksums(pu16Checksums, pu32BlockCount); });
 }
 
-ApiStatus Q7_IsCalibrationValid(CalInterfaceHandle hCal, uint32_t *)
+ApiStatus Q7_IsCalibrationValid(CalInterfaceHandle hCal, uint32_t *pu32Valid)
 {
-    return q7sim::NotSupportedYet(hCal, __func__);
+    return Dispatch(hCal, __func__, Requires::Connection, [&](Device &device) {
+        *pu32Valid = device.dsd.CalibrationValid() ? 1 : 0;
+        return Status::Ok();
+    });
 }
 
-ApiStatus Q7_GetCalibrationInfo(CalInterfaceHandle hCal, uint8_t *, uint8_t *, uint8_t *, uint8_t *, uint8_t *)
+ApiStatus Q7_GetCalibrationInfo(CalInterfaceHandle hCal, uint8_t *pu8CalFlag, uint8_t *pu8VendorID, uint8_t *pu8Date,
+                                uint8_t *pu8Time, uint8_t *pu8SwVersion)
 {
-    return q7sim::NotSupportedYet(hCal, __func__);
+    return Dispatch(hCal, __func__, Requires::Connection, [&](Device &device) {
+        CalibrationRecord record{};
+        Status status = device.dsd.Calibration(&record);
+        if (status.ok()) {
+            *pu8CalFlag = record.calFlag;
+            *pu8VendorID = record.vendorId;
+            std::memcpy(pu8Date, record.date, sizeof record.date);
+            std::memcpy(pu8Time, record.time, sizeof record.time);
+            std::memcpy(pu8SwVersion, record.swVersion, sizeof record.swVersion);
+        }
+        return status;
+    });
 }
 
-ApiStatus Q7_GetMACAddress(CalInterfaceHandle hCal, uint8_t *)
+ApiStatus Q7_GetMACAddress(CalInterfaceHandle hCal, uint8_t *pu8Mac)
 {
-    return q7sim::NotSupportedYet(hCal, __func__);
+    return Dispatch(hCal, __func__, Requires::Connection, [&](Device &device) { return device.dsd.MacAddress(pu8Mac); });
 }
 
-ApiStatus Q7_GetNVMSize(CalInterfaceHandle hCal, uint32_t *)
+ApiStatus Q7_GetNVMSize(CalInterfaceHandle hCal, uint32_t *pu32DsdSize)
 {
-    return q7sim::NotSupportedYet(hCal, __func__);
+    return Dispatch(hCal, __func__, Requires::Connection, [&](Device &) {
+        *pu32DsdSize = q7sim::kDsdSize;
+        return Status::Ok();
+    });
 }
 
-ApiStatus Q7_GetDSDInfo(CalInterfaceHandle hCal, uint32_t *, uint32_t *, uint32_t *)
+ApiStatus Q7_GetDSDInfo(CalInterfaceHandle hCal, uint32_t *pu32NvmType, uint32_t *pu32DsdSize,
+                        uint32_t *pu32FlashMapType)
 {
-    return q7sim::NotSupportedYet(hCal, __func__);
+    return Dispatch(hCal, __func__, Requires::Connection, [&](Device &device) {
+        *pu32NvmType = device.dsd.nvm.nvmType();
+        *pu32DsdSize = q7sim::kDsdSize;
+        *pu32FlashMapType = device.dsd.nvm.flashMapType();
+        return Status::Ok();
+    });
 }
 
-ApiStatus Q7_GetFlashDSDInfo(CalInterfaceHandle hCal, FlashDSDInfo *)
+ApiStatus Q7_GetFlashDSDInfo(CalInterfaceHandle hCal, FlashDSDInfo *pInfo)
 {
-    return q7sim::NotSupportedYet(hCal, __func__);
+    return Dispatch(hCal, __func__, Requires::Connection, [&](Device &device) {
+        for (uint32_t section = 0; section < q7sim::Nvm::kSectionCount; section++)
+            pInfo->au32SectionBitmap[section] = device.dsd.nvm.Bitmap(section);
+        return Status::Ok();
+    });
 }
 
-ApiStatus Q7_SelectActiveDSDSection(CalInterfaceHandle hCal, uint32_t)
+ApiStatus Q7_SelectActiveDSDSection(CalInterfaceHandle hCal, uint32_t u32Section)
 {
-    return q7sim::NotSupportedYet(hCal, __func__);
+    return Dispatch(hCal, __func__, Requires::Connection,
+                    [&](Device &device) { return device.dsd.nvm.SelectActive(u32Section); });
 }
 
-ApiStatus Q7_SelectCurrentDSDSection(CalInterfaceHandle hCal, uint32_t)
+ApiStatus Q7_SelectCurrentDSDSection(CalInterfaceHandle hCal, uint32_t u32Section)
 {
-    return q7sim::NotSupportedYet(hCal, __func__);
+    return Dispatch(hCal, __func__, Requires::Connection,
+                    [&](Device &device) { return device.dsd.nvm.SelectCurrent(u32Section); });
 }
 
-ApiStatus Q7_CopyDSDSection(CalInterfaceHandle hCal, uint32_t, uint32_t, uint32_t, uint32_t)
+ApiStatus Q7_CopyDSDSection(CalInterfaceHandle hCal, uint32_t u32SourceSection, uint32_t u32TargetSection,
+                            uint32_t u32ByteCount, uint32_t u32Offset)
 {
-    return q7sim::NotSupportedYet(hCal, __func__);
+    return Dispatch(hCal, __func__, Requires::Connection, [&](Device &device) {
+        return device.dsd.nvm.Copy(u32SourceSection, u32TargetSection, u32ByteCount, u32Offset);
+    });
 }
 
-ApiStatus Q7_InitializeFlash(CalInterfaceHandle hCal, uint32_t, uint32_t *)
+ApiStatus Q7_InitializeFlash(CalInterfaceHandle hCal, uint32_t u32DesiredSectorSize, uint32_t *pu32ActualSectorSize)
 {
-    return q7sim::NotSupportedYet(hCal, __func__);
+    return Dispatch(hCal, __func__, Requires::Connection, [&](Device &device) {
+        return device.dsd.nvm.InitializeFlash(u32DesiredSectorSize, pu32ActualSectorSize);
+    });
 }
 
-ApiStatus Q7_ReadDSDBytes(CalInterfaceHandle hCal, uint8_t *, uint32_t, uint32_t)
+ApiStatus Q7_ReadDSDBytes(CalInterfaceHandle hCal, uint8_t *pu8Dest, uint32_t u32ByteCount, uint32_t u32Address)
 {
-    return q7sim::NotSupportedYet(hCal, __func__);
+    return Dispatch(hCal, __func__, Requires::Connection, [&](Device &device) {
+        return device.dsd.Read(device.DsdTarget(), pu8Dest, u32ByteCount, u32Address);
+    });
 }
 
-ApiStatus Q7_GetDSDRegionSizeByID(CalInterfaceHandle hCal, int32_t, uint32_t *)
+ApiStatus Q7_GetDSDRegionSizeByID(CalInterfaceHandle hCal, int32_t i32RegionID, uint32_t *pu32Size)
 {
-    return q7sim::NotSupportedYet(hCal, __func__);
+    return Dispatch(hCal, __func__, Requires::Connection, [&](Device &device) {
+        return device.dsd.RegionSize(device.DsdTarget(), i32RegionID, pu32Size);
+    });
 }
 
-ApiStatus Q7_ReadDSDRegionByID(CalInterfaceHandle hCal, int32_t, uint32_t, uint8_t *, uint32_t *)
+ApiStatus Q7_ReadDSDRegionByID(CalInterfaceHandle hCal, int32_t i32RegionID, uint32_t u32BufferSize,
+                               uint8_t *pu8Dest, uint32_t *pu32Returned)
 {
-    return q7sim::NotSupportedYet(hCal, __func__);
+    return Dispatch(hCal, __func__, Requires::Connection, [&](Device &device) {
+        return device.dsd.ReadRegion(device.DsdTarget(), i32RegionID, u32BufferSize, pu8Dest, pu32Returned);
+    });
 }
+
+// Not modelled yet: the write key and the writes, which will check the key
+// and then call Dsd::Write, Dsd::WriteRegion and Nvm::WriteHeader.
 
 uint32_t Q7_RequestDSDWriteKey(CalInterfaceHandle hCal)
 {
@@ -102,7 +159,8 @@ ApiStatus Q7_WriteDSDBytes(CalInterfaceHandle hCal, uint32_t, const uint8_t *, u
     return q7sim::NotSupportedYet(hCal, __func__);
 }
 
-ApiStatus Q7_WriteFlash2xBytesWithHeader(CalInterfaceHandle hCal, uint32_t, const uint8_t *, uint32_t, uint32_t, const Flash2xBytesWithHeader *, uint32_t, uint32_t, uint32_t *)
+ApiStatus Q7_WriteFlash2xBytesWithHeader(CalInterfaceHandle hCal, uint32_t, const uint8_t *, uint32_t, uint32_t,
+                                         const Flash2xBytesWithHeader *, uint32_t, uint32_t, uint32_t *)
 {
     return q7sim::NotSupportedYet(hCal, __func__);
 }

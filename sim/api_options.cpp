@@ -1,28 +1,31 @@
 // Cal API entry points of the simulated device. Library options: the eight option slots.
-// Not modelled yet: each answers an error text that says so, so that the
-// library always links.
 #include "Interface.h"
 
+using q7sim::Device;
+using q7sim::Dispatch;
+using q7sim::Requires;
+
+// The options are the library's own settings: they need an open interface,
+// not a connected device.
 extern "C" {
 
 const OptionInfo *Q7_GetOptionInfo(uint32_t u32Index)
 {
-    // Every slot reads as reserved until the library options are modelled.
-    static const OptionInfo kReserved[Q7_OPTION_COUNT] = {
-        {0, "", 0, 0, 0, 1}, {1, "", 0, 0, 0, 1}, {2, "", 0, 0, 0, 1}, {3, "", 0, 0, 0, 1},
-        {4, "", 0, 0, 0, 1}, {5, "", 0, 0, 0, 1}, {6, "", 0, 0, 0, 1}, {7, "", 0, 0, 0, 1},
-    };
-    return u32Index < Q7_OPTION_COUNT ? &kReserved[u32Index] : nullptr;
+    // No handle: the records of the open interface, else the library's own.
+    Q7_CalInterface *itf = q7sim::CurrentInterface();
+    return itf != nullptr ? itf->device.options.Info(u32Index) : q7sim::Options::FactoryInfo(u32Index);
 }
 
-ApiStatus Q7_GetOptionByID(CalInterfaceHandle hCal, uint32_t, int32_t *)
+ApiStatus Q7_GetOptionByID(CalInterfaceHandle hCal, uint32_t u32OptionID, int32_t *pi32Value)
 {
-    return q7sim::NotSupportedYet(hCal, __func__);
+    return Dispatch(hCal, __func__, Requires::Interface,
+                    [&](Device &device) { return device.options.Get(u32OptionID, pi32Value); });
 }
 
-ApiStatus Q7_SetOptionByID(CalInterfaceHandle hCal, uint32_t, uint32_t)
+ApiStatus Q7_SetOptionByID(CalInterfaceHandle hCal, uint32_t u32OptionID, uint32_t u32Value)
 {
-    return q7sim::NotSupportedYet(hCal, __func__);
+    return Dispatch(hCal, __func__, Requires::Interface,
+                    [&](Device &device) { return device.options.Set(u32OptionID, u32Value); });
 }
 
 }  // extern "C"

@@ -44,10 +44,35 @@ int TestGetRxSpectrum(CalInterfaceHandle hCal);
 int TestGetVersionInfo(CalInterfaceHandle hCal);
 
 /* DSD Management Commands (and section selection and copy) */
+/* Block names by block number; most are padded to eight characters. */
+extern const char *const gsDSDBlockName[Q7_DSD_MAX_BLOCKS];
+int TestLoadDSD(CalInterfaceHandle hCal);
+int TestIsDSDValid(CalInterfaceHandle hCal);
+int TestAreDSDChecksumsValid(CalInterfaceHandle hCal);
+int TestGetDSDChecksums(CalInterfaceHandle hCal);
+int TestIsCalibrationValid(CalInterfaceHandle hCal);
+int TestGetCalibrationInfo(CalInterfaceHandle hCal);
+int TestGetMACAddress(CalInterfaceHandle hCal);
+int TestGetNVMSize(CalInterfaceHandle hCal);
+int TestGetDSDInfo(CalInterfaceHandle hCal);
+int TestGetFlashDSDInfo(CalInterfaceHandle hCal);
+int TestSelectActiveDSDSection(CalInterfaceHandle hCal);
+int TestInitializeFlash(CalInterfaceHandle hCal);
+int TestSelectCurrentDSDSection(CalInterfaceHandle hCal);
+int TestCopyDSDSection(CalInterfaceHandle hCal);
 
 /* DSD Read/Write Commands */
+int TestReadDSDBlock(CalInterfaceHandle hCal);
+int TestReadDSDBytes(CalInterfaceHandle hCal);
+int TestGetDSDRegionSizeByID(CalInterfaceHandle hCal);
+int TestReadDSDRegionByID(CalInterfaceHandle hCal);
 
 /* Library Configuration Commands */
+/* Shows the option slots and reads a choice until it is valid: a usable slot
+ * 0 to 7, 8 (all options, only when iAllOptions is nonzero) or -1. */
+int GetOptionChoice(int iAllOptions);
+int TestGetOptionByID(CalInterfaceHandle hCal);
+int TestSetOptionByID(CalInterfaceHandle hCal);
 
 /* Test Commands */
 #include "diagnostics.h"
