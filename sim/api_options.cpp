@@ -5,8 +5,6 @@ using q7sim::Device;
 using q7sim::Dispatch;
 using q7sim::Requires;
 
-// The options are the library's own settings: they need an open interface,
-// not a connected device.
 extern "C" {
 
 const OptionInfo *Q7_GetOptionInfo(uint32_t u32Index)
@@ -18,13 +16,13 @@ const OptionInfo *Q7_GetOptionInfo(uint32_t u32Index)
 
 ApiStatus Q7_GetOptionByID(CalInterfaceHandle hCal, uint32_t u32OptionID, int32_t *pi32Value)
 {
-    return Dispatch(hCal, __func__, Requires::Interface,
+    return Dispatch(hCal, __func__, Requires::Connection,
                     [&](Device &device) { return device.options.Get(u32OptionID, pi32Value); });
 }
 
 ApiStatus Q7_SetOptionByID(CalInterfaceHandle hCal, uint32_t u32OptionID, uint32_t u32Value)
 {
-    return Dispatch(hCal, __func__, Requires::Interface,
+    return Dispatch(hCal, __func__, Requires::Connection,
                     [&](Device &device) { return device.options.Set(u32OptionID, u32Value); });
 }
 

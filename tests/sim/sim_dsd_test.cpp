@@ -379,9 +379,8 @@ TEST_F(SimOptionsTest, ValuesAreCheckedAndReadBack)
     ASSERT_EQ(Q7_GetOptionByID(hCal, 7, &value), nullptr);
     EXPECT_EQ(value, 0) << "a refused value leaves the option as it was";
 
-    // Options are the library's: they answer without a connected device.
     ASSERT_EQ(Q7_DisconnectDevice(hCal), nullptr);
-    EXPECT_EQ(Q7_SetOptionByID(hCal, 0, 3), nullptr);
+    EXPECT_EQ(Text(Q7_SetOptionByID(hCal, 0, 3)), "Device not connected");
     EXPECT_EQ(Text(Q7_GetOptionByID(nullptr, 0, &value)), "Invalid Cal API interface handle");
 }
 
