@@ -7,6 +7,7 @@
 #include <cstdint>
 
 #include "ModeControl.h"
+#include "Receiver.h"
 #include "Status.h"
 #include "Transmitters.h"
 
@@ -29,6 +30,7 @@ public:
     bool Transmitting() const;
 
     ModeControl modes;
+    Receiver rx;
     Transmitters tx;
 
 private:
