@@ -27,7 +27,8 @@ Status Transmitters::Select(uint32_t selector, uint32_t &txBits) const
     return Status::Ok();
 }
 
-Status Transmitters::SelectOne(uint32_t selector, const Transmitter *&tx) const
+template <class T>
+Status Transmitters::ReadSelected(uint32_t selector, T Transmitter::*field, T &value) const
 {
     if (selector == kSelectBoth)
         return Status::Error("Tx selector 3 names both transmitters; a read takes one (0-2)");
@@ -36,7 +37,7 @@ Status Transmitters::SelectOne(uint32_t selector, const Transmitter *&tx) const
     if (!status.ok())
         return status;
     // With both transmitters active, the active one is read as TX1.
-    tx = &tx_[(txBits & kTx1) != 0 ? 0 : 1];
+    value = tx_[(txBits & kTx1) != 0 ? 0 : 1].*field;
     return Status::Ok();
 }
 
@@ -58,11 +59,7 @@ Status Transmitters::ApplyToSelected(uint32_t selector, const Status &valueCheck
 
 Status Transmitters::GetAttn(uint32_t selector, TxAttn &attn) const
 {
-    const Transmitter *tx = nullptr;
-    Status status = SelectOne(selector, tx);
-    if (status.ok())
-        attn = tx->attn;
-    return status;
+    return ReadSelected(selector, &Transmitter::attn, attn);
 }
 
 Status Transmitters::SetAttn(uint32_t selector, const TxAttn &attn)
@@ -119,11 +116,7 @@ Status Transmitters::SetBackoff(double backoff)
 
 Status Transmitters::GetGcWord(uint32_t selector, double &gcWord) const
 {
-    const Transmitter *tx = nullptr;
-    Status status = SelectOne(selector, tx);
-    if (status.ok())
-        gcWord = tx->gcWord;
-    return status;
+    return ReadSelected(selector, &Transmitter::gcWord, gcWord);
 }
 
 Status Transmitters::SetGcWord(uint32_t selector, double gcWord)

@@ -101,8 +101,9 @@ private:
 
     // The transmitters a selector names, as active-transmitter bits.
     Status Select(uint32_t selector, uint32_t &txBits) const;
-    // The one transmitter a read names.
-    Status SelectOne(uint32_t selector, const Transmitter *&tx) const;
+    // Reads a setting of the one transmitter that the selector names.
+    template <class T>
+    Status ReadSelected(uint32_t selector, T Transmitter::*field, T &value) const;
     // Checks the selector, then the value, then changes each selected transmitter.
     template <class Change>
     Status ApplyToSelected(uint32_t selector, const Status &valueCheck, Change change);

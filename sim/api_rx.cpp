@@ -1,4 +1,5 @@
-// Cal API entry points of the simulated device. Rx: antenna configuration, sync, AGC, gain states, RSSI, CINR, noise, frame statistics.
+// Cal API entry points of the simulated device. Rx: antenna configuration,
+// sync, AGC, gain states, RSSI, CINR, noise, frame statistics.
 #include "Interface.h"
 
 using q7sim::Device;

@@ -1,4 +1,5 @@
-// Cal API entry points of the simulated device. Tx: attenuators, output power, diversity switch, active transmitters and the low-level words.
+// Cal API entry points of the simulated device. Tx: attenuators, output power,
+// diversity switch, active transmitters and the low-level words.
 #include "Interface.h"
 
 using q7sim::Device;

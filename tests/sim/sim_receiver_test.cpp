@@ -74,7 +74,10 @@ protected:
     }
 };
 
-double PowerSumDbm(double a, double b) { return 10.0 * std::log10(std::pow(10.0, a / 10.0) + std::pow(10.0, b / 10.0)); }
+double PowerSumDbm(double a, double b)
+{
+    return 10.0 * std::log10(std::pow(10.0, a / 10.0) + std::pow(10.0, b / 10.0));
+}
 
 TEST_F(SimReceiverTest, FactoryDeviceReceivesTheTestSignalInSync)
 {

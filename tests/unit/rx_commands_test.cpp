@@ -11,11 +11,16 @@
 
 namespace {
 
+bool Contains(const std::string &text, const std::string &part) { return text.find(part) != std::string::npos; }
+
 using RxCommandsTest = SimulatedDeviceTest;
 
 q7sim::Receiver &Rx() { return q7sim::control::OpenDevice()->rx; }
 
-bool Matches(const std::string &text, const std::string &pattern) { return std::regex_match(text, std::regex(pattern)); }
+bool Matches(const std::string &text, const std::string &pattern)
+{
+    return std::regex_match(text, std::regex(pattern));
+}
 
 TEST_F(RxCommandsTest, NullHandlePrintsNothing)
 {
@@ -41,17 +46,16 @@ TEST_F(RxCommandsTest, AntennaConfigurationRoundTripsByName)
               "\nGetRxAntConfig:\n    RxAntConfig = Rx2 only\n\nGetRxAntConfig was SUCCESSFUL.\n");
 
     RunHandler(TestSetRxAntConfig, hCal, "0\n");
-    EXPECT_NE(RunHandler(TestGetRxAntConfig, hCal).output.find("    RxAntConfig = Rx1 only\n"), std::string::npos);
+    EXPECT_TRUE(Contains(RunHandler(TestGetRxAntConfig, hCal).output, "    RxAntConfig = Rx1 only\n"));
     RunHandler(TestSetRxAntConfig, hCal, "2\n");
-    EXPECT_NE(RunHandler(TestGetRxAntConfig, hCal).output.find("    RxAntConfig = Rx1 + Rx2\n"), std::string::npos);
+    EXPECT_TRUE(Contains(RunHandler(TestGetRxAntConfig, hCal).output, "    RxAntConfig = Rx1 + Rx2\n"));
 
     HandlerRun refused = RunHandler(TestSetRxAntConfig, hCal, "3\n");
     EXPECT_EQ(refused.result, -1);
-    EXPECT_NE(refused.output.find("? \nERROR: Rx antenna configuration 3 is out of range (0-2)\n"), std::string::npos);
+    EXPECT_TRUE(Contains(refused.output, "? \nERROR: Rx antenna configuration 3 is out of range (0-2)\n"));
 
     Rx().ForceAntConfig(3);
-    EXPECT_NE(RunHandler(TestGetRxAntConfig, hCal).output.find("    RxAntConfig = Unknown value\n"),
-              std::string::npos);
+    EXPECT_TRUE(Contains(RunHandler(TestGetRxAntConfig, hCal).output, "    RxAntConfig = Unknown value\n"));
 }
 
 TEST_F(RxCommandsTest, SyncIsReportedAndForcedReSyncDropsIt)
@@ -91,7 +95,7 @@ TEST_F(RxCommandsTest, AgcModeAsksForModeAndBackoff)
 
     HandlerRun refused = RunHandler(TestSetAGCMode, hCal, "0\n65\n");
     EXPECT_EQ(refused.result, -1);
-    EXPECT_NE(refused.output.find("\nERROR: AGC backoff 65 dB is out of range (0-64 dB)\n"), std::string::npos);
+    EXPECT_TRUE(Contains(refused.output, "\nERROR: AGC backoff 65 dB is out of range (0-64 dB)\n"));
 }
 
 TEST_F(RxCommandsTest, GainStateRoundTripsWithOddPgaIndex)
@@ -122,11 +126,10 @@ TEST_F(RxCommandsTest, GainStateRoundTripsWithOddPgaIndex)
               "\nGetRxGainState was SUCCESSFUL.\n");
 
     RunHandler(TestSetRxGainState, hCal, "0\n0\n1\n3\n");
-    EXPECT_NE(RunHandler(TestGetRxGainState, hCal, "0\n").output.find(
-                  "    External LNA   = Disabled (0)\n"
-                  "    Front End gain state   = Medium (Max gain - 12 dB) (1)\n"
-                  "    PGA gain index = 3\n"),
-              std::string::npos);
+    EXPECT_TRUE(Contains(RunHandler(TestGetRxGainState, hCal, "0\n").output,
+                         "    External LNA   = Disabled (0)\n"
+                         "    Front End gain state   = Medium (Max gain - 12 dB) (1)\n"
+                         "    PGA gain index = 3\n"));
 }
 
 TEST_F(RxCommandsTest, EveryFrontEndStateAboveMediumIsHigh)
@@ -134,7 +137,7 @@ TEST_F(RxCommandsTest, EveryFrontEndStateAboveMediumIsHigh)
     for (uint32_t state : {2u, 7u, 0xFFFFFFFFu}) {
         Rx().ForceGainState(0, q7sim::RxGainState{0, state, 14});
         std::string expected = "    Front End gain state   = High   (Max gain) (" + std::to_string(state) + ")\n";
-        EXPECT_NE(RunHandler(TestGetRxGainState, hCal, "0\n").output.find(expected), std::string::npos) << state;
+        EXPECT_TRUE(Contains(RunHandler(TestGetRxGainState, hCal, "0\n").output, expected)) << state;
     }
 }
 
@@ -146,17 +149,17 @@ TEST_F(RxCommandsTest, PathsOutOfRangeAreRefusedByTheDevice)
 
     HandlerRun set = RunHandler(TestSetRxGainState, hCal, "3\n0\n2\n14\n");
     EXPECT_EQ(set.result, -1);
-    EXPECT_NE(set.output.find("? \nERROR: Rx path 3 is out of range (0-2)\n"), std::string::npos);
+    EXPECT_TRUE(Contains(set.output, "? \nERROR: Rx path 3 is out of range (0-2)\n"));
 
     HandlerRun pga = RunHandler(TestSetRxGainState, hCal, "0\n0\n2\n-1\n");
-    EXPECT_NE(pga.output.find("\nERROR: PGA gain index -1 is out of range (0-31)\n"), std::string::npos);
+    EXPECT_TRUE(Contains(pga.output, "\nERROR: PGA gain index -1 is out of range (0-31)\n"));
 }
 
 TEST_F(RxCommandsTest, EndOfInputLeavesTheGainStateAlone)
 {
     HandlerRun ended = RunHandler(TestSetRxGainState, hCal, "0\n1\n0\n");
     EXPECT_EQ(ended.result, -1);
-    EXPECT_NE(RunHandler(TestGetRxGainState, hCal, "0\n").output.find("    PGA gain index = 14\n"), std::string::npos);
+    EXPECT_TRUE(Contains(RunHandler(TestGetRxGainState, hCal, "0\n").output, "    PGA gain index = 14\n"));
 }
 
 TEST_F(RxCommandsTest, RssiReportLayout)
@@ -181,10 +184,10 @@ TEST_F(RxCommandsTest, ClipSharesAreQuotientsOfTheCounts)
 {
     Rx().ForceAdcCounts(500, 0, 100000);
     std::string output = RunHandler(TestGetRSSIReport, hCal).output;
-    EXPECT_NE(output.find("    Rx1 ADC clip count    = 500 (0.50 %)\n"
-                          "    Rx2 ADC clip count    = 0 (0.00 %)\n"
-                          "    Number of ADC samples = 100000\n"),
-              std::string::npos);
+    EXPECT_TRUE(Contains(output,
+                         "    Rx1 ADC clip count    = 500 (0.50 %)\n"
+                         "    Rx2 ADC clip count    = 0 (0.00 %)\n"
+                         "    Number of ADC samples = 100000\n"));
 
     // Zero samples: the shares are infinity and not-a-number as printf shows them.
     Rx().ForceAdcCounts(5, 0, 0);
@@ -195,9 +198,9 @@ TEST_F(RxCommandsTest, ClipSharesAreQuotientsOfTheCounts)
     std::snprintf(notANumber, sizeof notANumber, "    Rx2 ADC clip count    = 0 (%0.2f %%)\n", 0.0 * 100.0 / zero);
     HandlerRun report = RunHandler(TestGetRSSIReport, hCal);
     EXPECT_EQ(report.result, 0);
-    EXPECT_NE(report.output.find(infinite), std::string::npos) << report.output;
-    EXPECT_NE(report.output.find(notANumber), std::string::npos) << report.output;
-    EXPECT_NE(report.output.find("(inf %)"), std::string::npos);
+    EXPECT_TRUE(Contains(report.output, infinite)) << report.output;
+    EXPECT_TRUE(Contains(report.output, notANumber)) << report.output;
+    EXPECT_TRUE(Contains(report.output, "(inf %)"));
 }
 
 TEST_F(RxCommandsTest, CinrAndThermalNoiseLayouts)
@@ -239,9 +242,8 @@ TEST_F(RxCommandsTest, FrameStatisticsCountFromTheResetAndShowNaWithoutSync)
               "\nGetFrameErrorStatistics was SUCCESSFUL.\n");
 
     Rx().ForceFrameStatistics(7, 0xFFFFFFFEu);
-    EXPECT_NE(RunHandler(TestGetFrameErrorStatistics, hCal).output.find(
-                  "    Total frames elapsed  = 7\n    Frames in error       = 4294967294\n"),
-              std::string::npos);
+    EXPECT_TRUE(Contains(RunHandler(TestGetFrameErrorStatistics, hCal).output,
+                         "    Total frames elapsed  = 7\n    Frames in error       = 4294967294\n"));
 }
 
 TEST_F(RxCommandsTest, DeviceErrorsEndEachCommandWithoutResultLines)

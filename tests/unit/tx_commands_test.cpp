@@ -9,6 +9,8 @@
 
 namespace {
 
+bool Contains(const std::string &text, const std::string &part) { return text.find(part) != std::string::npos; }
+
 using TxCommandsTest = SimulatedDeviceTest;
 
 q7sim::Transmitters &Tx() { return q7sim::control::OpenDevice()->tx; }
@@ -60,9 +62,9 @@ TEST_F(TxCommandsTest, AttenuatorSetsOfTheAutomatedTestReadBackExactly)
               "\nGetTxAttn was SUCCESSFUL.\n");
 
     std::string tx2 = RunHandler(TestGetTxAttn, hCal, "2\n").output;
-    EXPECT_NE(tx2.find("     baseband attenuator \t\t\t\t= 2.00 dB\n"), std::string::npos);
-    EXPECT_NE(tx2.find("     Mixer Binary index\t\t\t        = 20\n"), std::string::npos);
-    EXPECT_NE(tx2.find("     External attenuator                 = Enabled (1)\n"), std::string::npos);
+    EXPECT_TRUE(Contains(tx2, "     baseband attenuator \t\t\t\t= 2.00 dB\n"));
+    EXPECT_TRUE(Contains(tx2, "     Mixer Binary index\t\t\t        = 20\n"));
+    EXPECT_TRUE(Contains(tx2, "     External attenuator                 = Enabled (1)\n"));
 }
 
 TEST_F(TxCommandsTest, GetTxAttnPassesSelectorThreeToTheDevice)
@@ -78,9 +80,8 @@ TEST_F(TxCommandsTest, GetTxAttnPassesSelectorThreeToTheDevice)
 TEST_F(TxCommandsTest, AnyNonzeroExternalAttenuatorIsEnabled)
 {
     Tx().ForceAttn(0, q7sim::TxAttn{1.5, 1, 2, 3, 4, 2});
-    EXPECT_NE(RunHandler(TestGetTxAttn, hCal, "1\n").output.find(
-                  "     External attenuator                 = Enabled (2)\n"),
-              std::string::npos);
+    EXPECT_TRUE(Contains(RunHandler(TestGetTxAttn, hCal, "1\n").output,
+                         "     External attenuator                 = Enabled (2)\n"));
 }
 
 TEST_F(TxCommandsTest, OutOfRangeAttenuatorValuesReachTheDevice)
@@ -101,9 +102,8 @@ TEST_F(TxCommandsTest, OutputPowerLevelsOfTheAutomatedTestReadBack)
                   "\nGetTxOutputPower:\n    Tx output power = " + std::string(level) +
                       " dBm\n\nGetTxOutputPower was SUCCESSFUL.\n");
     }
-    EXPECT_NE(RunHandler(TestSetTxOutputPower, hCal, "36\n").output.find(
-                  "\nERROR: Tx output power 36 dBm is out of range (-40 to 35 dBm)\n"),
-              std::string::npos);
+    EXPECT_TRUE(Contains(RunHandler(TestSetTxOutputPower, hCal, "36\n").output,
+                         "\nERROR: Tx output power 36 dBm is out of range (-40 to 35 dBm)\n"));
 }
 
 TEST_F(TxCommandsTest, DiversitySwitchShowsAntennaTwoForEveryNonzeroValue)
@@ -115,10 +115,10 @@ TEST_F(TxCommandsTest, DiversitySwitchShowsAntennaTwoForEveryNonzeroValue)
               "\nGetTxDiversitySwitch:\n    Tx diversity switch = 1 (Antenna 2)\n"
               "\nGetTxDiversitySwitch was SUCCESSFUL.\n");
     RunHandler(TestSetTxDiversitySwitch, hCal, "0\n");
-    EXPECT_NE(RunHandler(TestGetTxDiversitySwitch, hCal).output.find("= 0 (Antenna 1)\n"), std::string::npos);
+    EXPECT_TRUE(Contains(RunHandler(TestGetTxDiversitySwitch, hCal).output, "= 0 (Antenna 1)\n"));
 
     Tx().ForceDiversitySwitch(5);
-    EXPECT_NE(RunHandler(TestGetTxDiversitySwitch, hCal).output.find("= 5 (Antenna 2)\n"), std::string::npos);
+    EXPECT_TRUE(Contains(RunHandler(TestGetTxDiversitySwitch, hCal).output, "= 5 (Antenna 2)\n"));
 }
 
 TEST_F(TxCommandsTest, ActiveTransmittersPrintOnTheSuccessLine)
@@ -153,7 +153,7 @@ TEST_F(TxCommandsTest, GcWordIsADoublePerTransmitter)
     EXPECT_EQ(RunHandler(TestGetTxGCWord, hCal, "2\n").output,
               "\nGetTxGCWord:\n" + std::string(kTxSelectorPrompt) +
                   "    TxGCWord    = 1234.5\n\nGetTxGCWord was SUCCESSFUL.\n");
-    EXPECT_NE(RunHandler(TestGetTxGCWord, hCal, "1\n").output.find("    TxGCWord    = 8192\n"), std::string::npos);
+    EXPECT_TRUE(Contains(RunHandler(TestGetTxGCWord, hCal, "1\n").output, "    TxGCWord    = 8192\n"));
 }
 
 TEST_F(TxCommandsTest, PhiWordAndFeedbackAttenuationPrintBareNumbers)
@@ -176,11 +176,9 @@ TEST_F(TxCommandsTest, LclControllerPromptRunsTogetherAndCallsTheLflOperation)
     EXPECT_EQ(Tx().lflControllerState(), 0);
 
     q7sim::control::FailNext("Q7_SetLFLControllerState", 1, "Loop busy");
-    EXPECT_NE(RunHandler(TestSetLCLControllerState, hCal, "1\n").output.find("\nERROR: Loop busy\n"),
-              std::string::npos);
-    EXPECT_NE(RunHandler(TestSetLCLControllerState, hCal, "2\n").output.find(
-                  "\nERROR: LFL controller state 2 is out of range (0-1)\n"),
-              std::string::npos);
+    EXPECT_TRUE(Contains(RunHandler(TestSetLCLControllerState, hCal, "1\n").output, "\nERROR: Loop busy\n"));
+    EXPECT_TRUE(Contains(RunHandler(TestSetLCLControllerState, hCal, "2\n").output,
+                         "\nERROR: LFL controller state 2 is out of range (0-1)\n"));
 }
 
 TEST_F(TxCommandsTest, RfAsymmetryIsSigned)
@@ -189,9 +187,8 @@ TEST_F(TxCommandsTest, RfAsymmetryIsSigned)
               "\nSetRFAsymmetry:\n RFAsymmetry (-31 to 32)?\nSetRFAsymmetry was SUCCESSFUL.\n");
     EXPECT_EQ(RunHandler(TestGetRFAsymmetry, hCal).output,
               "\nGetRFAsymmetry:\nRFAsymmetry  = -31 KHz\n\nGetRFAsymmetry was SUCCESSFUL.\n");
-    EXPECT_NE(RunHandler(TestSetRFAsymmetry, hCal, "40\n").output.find(
-                  "\nERROR: RF asymmetry 40 kHz is out of range (-31 to 32 kHz)\n"),
-              std::string::npos);
+    EXPECT_TRUE(Contains(RunHandler(TestSetRFAsymmetry, hCal, "40\n").output,
+                         "\nERROR: RF asymmetry 40 kHz is out of range (-31 to 32 kHz)\n"));
 }
 
 TEST_F(TxCommandsTest, DecoderModePromptCarriesTheDashBytes)
@@ -236,7 +233,7 @@ TEST_F(TxCommandsTest, EndOfInputSendsNothing)
 {
     HandlerRun ended = RunHandler(TestSetTxAttn, hCal, "1\n-2.0\n9\n");
     EXPECT_EQ(ended.result, -1);
-    EXPECT_NE(RunHandler(TestGetTxAttn, hCal, "1\n").output.find("= 3.00 dB\n"), std::string::npos);
+    EXPECT_TRUE(Contains(RunHandler(TestGetTxAttn, hCal, "1\n").output, "= 3.00 dB\n"));
 
     HandlerRun notANumber = RunHandler(TestSetTxOutputPower, hCal, "high\n");
     EXPECT_EQ(notANumber.result, -1);
