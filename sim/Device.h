@@ -13,6 +13,7 @@
 #include "Gpio.h"
 #include "ModeControl.h"
 #include "Options.h"
+#include "Receiver.h"
 #include "Rfic.h"
 #include "Spectrum.h"
 #include "Status.h"
@@ -48,6 +49,7 @@ public:
     DsdArea DsdTarget() { return dsd.Area(options.nvmMode()); }
 
     ModeControl modes;
+    Receiver rx;
     Transmitters tx;
     Calibration cal;
     Gpio gpio;

@@ -98,8 +98,7 @@ TEST_F(SimConnectionTest, InjectedFaultsFailExactlyTheNextCalls)
 
 TEST_F(SimConnectionTest, OperationsNotModelledYetSaySo)
 {
-    uint32_t config = 0;
-    EXPECT_EQ(Text(Q7_GetRxAntConfig(hCal, &config)), "Q7_GetRxAntConfig is not supported by the simulated device yet");
+    EXPECT_EQ(Text(Q7_SetOptionByID(hCal, 0, 0)), "Q7_SetOptionByID is not supported by the simulated device yet");
     EXPECT_EQ(Q7_RequestDSDWriteKey(hCal), 0u);
 }
 
