@@ -98,7 +98,11 @@ TEST_F(SimConnectionTest, InjectedFaultsFailExactlyTheNextCalls)
 
 TEST_F(SimConnectionTest, OperationsNotModelledYetSaySo)
 {
-    EXPECT_EQ(Text(Q7_SetOptionByID(hCal, 0, 0)), "Q7_SetOptionByID is not supported by the simulated device yet");
+    const uint8_t data[1] = {0};
+    uint32_t written = 7;
+    EXPECT_EQ(Text(Q7_WriteDSDBytes(hCal, 1, data, 1, 0, &written)),
+              "Q7_WriteDSDBytes is not supported by the simulated device yet");
+    EXPECT_EQ(written, 7u);
     EXPECT_EQ(Q7_RequestDSDWriteKey(hCal), 0u);
 }
 
