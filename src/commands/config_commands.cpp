@@ -2,9 +2,9 @@
 #include <stdint.h>
 #include <stdio.h>
 
+#include "command_steps.h"
 #include "commands.h"
 #include "console.h"
-#include "report.h"
 
 static const char *DutModeName(uint32_t u32DutMode)
 {

@@ -4,9 +4,9 @@
 #include <stdint.h>
 #include <stdio.h>
 
+#include "command_steps.h"
 #include "commands.h"
 #include "console.h"
-#include "report.h"
 
 void PrintFEStepTable(const double adPgaGainCorrection[2], const double adLnaMidGainStep[2],
                       const double adLnaHighGainStep[2], const double adLnaExtGainStep[2])

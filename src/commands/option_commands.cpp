@@ -4,9 +4,9 @@
 #include <stdint.h>
 #include <stdio.h>
 
+#include "command_steps.h"
 #include "commands.h"
 #include "console.h"
-#include "report.h"
 
 /* The slot number that stands for every option in the get command. */
 #define ALL_OPTIONS 8

@@ -3,9 +3,9 @@
 #include <stdint.h>
 #include <stdio.h>
 
+#include "command_steps.h"
 #include "commands.h"
 #include "console.h"
-#include "report.h"
 
 /* Room of the spectrum array; the capture is never read beyond it. */
 #define RX_SPECTRUM_CAPACITY 2048u

@@ -2,9 +2,9 @@
 #include <stdint.h>
 #include <stdio.h>
 
+#include "command_steps.h"
 #include "console.h"
 #include "diagnostics.h"
-#include "report.h"
 
 int TestEchoTest(CalInterfaceHandle hCal)
 {

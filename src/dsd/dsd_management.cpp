@@ -4,9 +4,9 @@
 #include <stdint.h>
 #include <stdio.h>
 
+#include "command_steps.h"
 #include "commands.h"
 #include "console.h"
-#include "report.h"
 
 /* Block 9's label holds a tab, so its lines align on the terminal's tab stop. */
 const char *const gsDSDBlockName[Q7_DSD_MAX_BLOCKS] = {

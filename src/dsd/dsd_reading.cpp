@@ -5,10 +5,10 @@
 #include <stdio.h>
 #include <stdlib.h>
 
+#include "command_steps.h"
 #include "commands.h"
 #include "console.h"
 #include "data_utils.h"
-#include "report.h"
 
 /* The largest word count whose byte count fits 32 bits. */
 #define MAX_BLOCK_WORDS (UINT32_MAX / 4u)
