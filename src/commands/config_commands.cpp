@@ -2,9 +2,9 @@
 #include <stdint.h>
 #include <stdio.h>
 
+#include "command_steps.h"
 #include "commands.h"
 #include "console.h"
-#include "report.h"
 
 static const char *DutModeName(uint32_t u32DutMode)
 {
@@ -27,9 +27,8 @@ static const char *LoopbackTxName(uint32_t u32LoopbackTx)
 
 int TestConnectDevice(CalInterfaceHandle hCal)
 {
-    if (hCal == NULL)
+    if (!BeginCommand(hCal, "\nConnectDevice:"))
         return -1;
-    puts("\nConnectDevice:");
     if (ReportError(Q7_ConnectDevice(hCal)))
         return -1;
     printf("     Device connected.\n");
@@ -38,9 +37,8 @@ int TestConnectDevice(CalInterfaceHandle hCal)
 
 int TestDisconnectDevice(CalInterfaceHandle hCal)
 {
-    if (hCal == NULL)
+    if (!BeginCommand(hCal, "\nDisconnectDevice:"))
         return -1;
-    puts("\nDisconnectDevice:");
     if (ReportError(Q7_DisconnectDevice(hCal)))
         return -1;
     printf("     Device disconnected.\n");
@@ -54,9 +52,8 @@ int TestGetDeviceMode(CalInterfaceHandle hCal)
     int32_t i32CwOffsetKHz = 0;
     uint32_t u32LoopbackTx = 0;
 
-    if (hCal == NULL)
+    if (!BeginCommand(hCal, "\nGetDeviceMode:"))
         return -1;
-    puts("\nGetDeviceMode:");
     if (ReportError(Q7_GetDeviceMode(hCal, &u32DutMode, &u32ModulationType, &i32CwOffsetKHz, &u32LoopbackTx)))
         return -1;
     /* Names are looked up unsigned; the numbers print signed. */
@@ -74,9 +71,8 @@ int TestSetDeviceMode(CalInterfaceHandle hCal)
     int32_t i32CwOffsetKHz = 0;
     uint32_t u32LoopbackTx = 0;
 
-    if (hCal == NULL)
+    if (!BeginCommand(hCal, "\nSetDeviceMode:"))
         return -1;
-    puts("\nSetDeviceMode:");
     puts("For DUT Mode, please enter: 0=Normal  1=Calibration  2=Tx CW  3=Tx OFDMA  4=AGC free-run 5=Loopback");
     if (!ReadUnsigned(&u32DutMode, "    DUT Mode        ? "))
         return -1;
@@ -97,9 +93,8 @@ int TestGetBandConfig(CalInterfaceHandle hCal)
     uint32_t u32CenterFreqKHz = 0;
     uint32_t u32BandwidthKHz = 0;
 
-    if (hCal == NULL)
+    if (!BeginCommand(hCal, "\nGetBandConfig:"))
         return -1;
-    puts("\nGetBandConfig:");
     if (ReportError(Q7_GetBandConfig(hCal, &u32CenterFreqKHz, &u32BandwidthKHz)))
         return -1;
     printf("    Center frequency (kHz)  = %u\n", u32CenterFreqKHz);
@@ -112,9 +107,8 @@ int TestSetBandConfig(CalInterfaceHandle hCal)
     uint32_t u32CenterFreqKHz = 0;
     uint32_t u32BandwidthKHz = 0;
 
-    if (hCal == NULL)
+    if (!BeginCommand(hCal, "\nSetBandConfig:"))
         return -1;
-    puts("\nSetBandConfig:");
     if (!ReadUnsigned(&u32CenterFreqKHz, "    Center frequency (kHz)  ? ") ||
         !ReadUnsigned(&u32BandwidthKHz, "    Bandwidth (kHz)         ? "))
         return -1;

@@ -4,9 +4,9 @@
 #include <stdint.h>
 #include <stdio.h>
 
+#include "command_steps.h"
 #include "commands.h"
 #include "console.h"
-#include "report.h"
 
 void PrintFEStepTable(const double adPgaGainCorrection[2], const double adLnaMidGainStep[2],
                       const double adLnaHighGainStep[2], const double adLnaExtGainStep[2])
@@ -31,9 +31,8 @@ int TestSetTRSwitch(CalInterfaceHandle hCal)
     uint32_t u32Ant1State = 0;
     uint32_t u32Ant2State = 0;
 
-    if (hCal == NULL)
+    if (!BeginCommand(hCal, "Set TR Switch:"))
         return -1;
-    puts("Set TR Switch:");
     if (!ReadUnsigned(&u32Ant1State, "Please specify the state for  the Antenna 1 TR switch state: "
                                      "0 = Tx1 off and Rx1 on  & 1 = Tx1 on and Rx1 off:") ||
         !ReadUnsigned(&u32Ant2State, "Please specify the state for  the Antenna 2 TR switch state: "
@@ -47,9 +46,8 @@ int TestCalibrateLCTrim(CalInterfaceHandle hCal)
     int32_t LCTrimArray[Q7_LC_TRIM_ENTRIES] = {0};
     uint32_t u32Count = 0;
 
-    if (hCal == NULL)
+    if (!BeginCommand(hCal, "Calibrate LC Trim:"))
         return -1;
-    puts("Calibrate LC Trim:");
     if (ReportError(Q7_CalibrateLCTrim(hCal, LCTrimArray, &u32Count)))
         return -1;
     /* The count line shows what the device reported; the list never goes
@@ -67,9 +65,8 @@ int TestCalibrateTxGains(CalInterfaceHandle hCal)
     uint32_t u32TxSelector = 0;
     uint32_t u32CenterFreqKHz = 0;
 
-    if (hCal == NULL)
+    if (!BeginCommand(hCal, "Calibrate TX Steps:"))
         return -1;
-    puts("Calibrate TX Steps:");
     if (!ReadUnsigned(&u32TxSelector, "0 = current active transmitter\t1 = TX1 2 = TX2 3 =TX1 & TX2: ") ||
         !ReadUnsigned(&u32CenterFreqKHz, "The center frequency in kHz: "))
         return -1;
@@ -83,14 +80,9 @@ int TestCalibrateTxGains(CalInterfaceHandle hCal)
 
 int TestCalibrateTxPoutFreqCorr(CalInterfaceHandle hCal)
 {
-    uint32_t u32ScanListIndex = 0;
-
-    if (hCal == NULL)
-        return -1;
-    puts("Calibrate Tx Pout frequency correction:");
-    if (!ReadUnsigned(&u32ScanListIndex, "Please specify index of frequency in scan list [0:11]: "))
-        return -1;
-    return ReportOutcome(Q7_CalibrateTxPoutFreqCorr(hCal, u32ScanListIndex), "CalibrateTxPoutFreqCorr");
+    return SetUnsignedCommand(hCal, "Calibrate Tx Pout frequency correction:",
+                              "Please specify index of frequency in scan list [0:11]: ", Q7_CalibrateTxPoutFreqCorr,
+                              "CalibrateTxPoutFreqCorr");
 }
 
 int TestCalibrateFESteps(CalInterfaceHandle hCal)
@@ -103,9 +95,8 @@ int TestCalibrateFESteps(CalInterfaceHandle hCal)
     double adLnaHighGainStep[2] = {0.0, 0.0};
     double adLnaExtGainStep[2] = {0.0, 0.0};
 
-    if (hCal == NULL)
+    if (!BeginCommand(hCal, "Calibrate FE Steps:"))
         return -1;
-    puts("Calibrate FE Steps:");
     if (!ReadUnsigned(&u32ScanListIndex, "Please specify the scan list index for the center frequency: ") ||
         !ReadDouble(&dRx1AmplitudeDbm, "Amplitude of signal in dBm at RX1 antenna: ") ||
         !ReadDouble(&dRx2AmplitudeDbm, "Amplitude of signal in dBm at RX2 antenna: "))
@@ -123,9 +114,8 @@ int TestCalibrateTxExtAttnStep(CalInterfaceHandle hCal)
     double adSteps[Q7_TX_EXT_ATTN_STEPS] = {0};
     uint32_t u32TxSelector = 0;
 
-    if (hCal == NULL)
+    if (!BeginCommand(hCal, "Calibrate Tx external attenuator step:"))
         return -1;
-    puts("Calibrate Tx external attenuator step:");
     if (!ReadUnsigned(&u32TxSelector, "0 = current active transmitter  1 = TX1 2 = TX2 3 =TX1 & TX2: "))
         return -1;
     if (ReportError(Q7_CalibrateTxExtAttnStep(hCal, u32TxSelector, adSteps)))

@@ -4,9 +4,9 @@
 #include <stdint.h>
 #include <stdio.h>
 
+#include "command_steps.h"
 #include "commands.h"
 #include "console.h"
-#include "report.h"
 
 /* The slot number that stands for every option in the get command. */
 #define ALL_OPTIONS 8
@@ -66,9 +66,8 @@ int GetOptionChoice(int iAllOptions)
 
 int TestGetOptionByID(CalInterfaceHandle hCal)
 {
-    if (hCal == NULL)
+    if (!BeginCommand(hCal, "\nGet Option By ID:"))
         return -1;
-    puts("\nGet Option By ID:");
     for (;;) {
         int iChoice = GetOptionChoice(1);
         if (iChoice == -1)
@@ -91,9 +90,8 @@ int TestGetOptionByID(CalInterfaceHandle hCal)
 
 int TestSetOptionByID(CalInterfaceHandle hCal)
 {
-    if (hCal == NULL)
+    if (!BeginCommand(hCal, "\nSet Option By ID:"))
         return -1;
-    puts("\nSet Option By ID:");
     for (;;) {
         uint32_t u32Value = 0;
         int iChoice = GetOptionChoice(0);

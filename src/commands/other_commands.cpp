@@ -3,9 +3,9 @@
 #include <stdint.h>
 #include <stdio.h>
 
+#include "command_steps.h"
 #include "commands.h"
 #include "console.h"
-#include "report.h"
 
 /* Room of the spectrum array; the capture is never read beyond it. */
 #define RX_SPECTRUM_CAPACITY 2048u
@@ -17,9 +17,8 @@ int TestReadGPIOState(CalInterfaceHandle hCal)
     uint32_t u32PinDirection = 0;
     uint32_t u32WritePermission = 0;
 
-    if (hCal == NULL)
+    if (!BeginCommand(hCal, "\nReadGPIOState:"))
         return -1;
-    puts("\nReadGPIOState:");
     if (ReportError(Q7_ReadGPIOState(hCal, &u32PinState, &u32PinDirection, &u32WritePermission)))
         return -1;
     printf("     GPIO pin state            = %08X\n", u32PinState);
@@ -32,9 +31,8 @@ int TestSetGPIOConfiguration(CalInterfaceHandle hCal)
 {
     uint32_t u32WritePermission = 0;
 
-    if (hCal == NULL)
+    if (!BeginCommand(hCal, "\nSetGPIOConfiguration:"))
         return -1;
-    puts("\nSetGPIOConfiguration:");
     puts("The parameters specify the configuration of each pin:");
     puts("  GPIO write permission: 0=read-only; 1=read-write");
     puts("Please enter:");
@@ -48,9 +46,8 @@ int TestSetGPIOPinState(CalInterfaceHandle hCal)
     uint32_t u32Pin = 0;
     uint32_t u32State = 0;
 
-    if (hCal == NULL)
+    if (!BeginCommand(hCal, "\nSetGPIOPinState:"))
         return -1;
-    puts("\nSetGPIOPinState:");
     if (!ReadUnsigned(&u32Pin, "    GPIO pin number (0-31) ? ") ||
         !ReadUnsigned(&u32State, "    GPIO pin state (0-1)   ? "))
         return -1;
@@ -64,9 +61,8 @@ int TestReadRFICRegister(CalInterfaceHandle hCal)
     uint32_t u32Timing = 0;
     uint32_t u32Data = 0;
 
-    if (hCal == NULL)
+    if (!BeginCommand(hCal, "\nReadRFICRegister:"))
         return -1;
-    puts("\nReadRFICRegister:");
     if (!ReadUnsigned(&u32Bank, "     RFIC Bank Address\t\t\t\t\t\t? ") ||
         !ReadHex(&u32Register, "     RFIC register number (hex)\t\t\t\t\t? ") ||
         !ReadUnsigned(&u32Timing, "     RFIC read timing (0=GTB based, 1=Immediate)? "))
@@ -85,9 +81,8 @@ int TestWriteRFICRegister(CalInterfaceHandle hCal)
     uint32_t u32Data = 0;
     uint32_t u32Timing = 0;
 
-    if (hCal == NULL)
+    if (!BeginCommand(hCal, "\nWriteRFICRegister:"))
         return -1;
-    puts("\nWriteRFICRegister:");
     if (!ReadUnsigned(&u32Bank, "\t RFIC Bank Address\t\t? ") ||
         !ReadHex(&u32Register, "     RFIC register number (hex)\t\t\t? ") ||
         !ReadHex(&u32Data, "     RFIC register data (hex)\t\t\t? ") ||
@@ -103,10 +98,7 @@ int TestGetTemperature(CalInterfaceHandle hCal)
 {
     double dDegreesC = 0.0;
 
-    if (hCal == NULL)
-        return -1;
-    puts("\nGetTemperature:");
-    if (ReportError(Q7_GetTemperature(hCal, &dDegreesC)))
+    if (!GetDoubleValue(hCal, "\nGetTemperature:", Q7_GetTemperature, &dDegreesC))
         return -1;
     printf("    Temperature = %.0f C\n", dDegreesC);
     return ReportSuccess("GetTemperature");
@@ -117,9 +109,8 @@ int TestGetGPADCValue(CalInterfaceHandle hCal)
     uint32_t u32Mux = 0;
     uint32_t u32Value = 0;
 
-    if (hCal == NULL)
+    if (!BeginCommand(hCal, "\nGetGPADCValue:"))
         return -1;
-    puts("\nGetGPADCValue:");
     if (!ReadUnsigned(&u32Mux, "     GP ADC mux setting (0-3) ? "))
         return -1;
     if (ReportError(Q7_GetGPADCValue(hCal, u32Mux, &u32Value)))
@@ -133,9 +124,8 @@ int TestSetGPDACValue(CalInterfaceHandle hCal)
     uint32_t u32Mux = 0;
     double dVolts = 0.0;
 
-    if (hCal == NULL)
+    if (!BeginCommand(hCal, "\nSetGPDACValue:"))
         return -1;
-    puts("\nSetGPDACValue:");
     if (!ReadUnsigned(&u32Mux, "     GP DAC mux setting (0-3) ? ") ||
         !ReadDouble(&dVolts, "     GP DAC voltage (Volts)   ? "))
         return -1;
@@ -147,9 +137,8 @@ int TestResetRxSpectrum(CalInterfaceHandle hCal)
     uint32_t u32AlphaShift = 0;
     uint32_t u32SymbolIndex = 0;
 
-    if (hCal == NULL)
+    if (!BeginCommand(hCal, "\nResetRxSpectrum"))
         return -1;
-    puts("\nResetRxSpectrum");
     if (!ReadUnsigned(&u32AlphaShift, "     Shift for IIR filter alpha (0-16) ? ") ||
         !ReadUnsigned(&u32SymbolIndex, "     Symbol index to be captured       ? "))
         return -1;
@@ -161,9 +150,8 @@ int TestGetRxSpectrum(CalInterfaceHandle hCal)
     double adSpectrum[RX_SPECTRUM_CAPACITY] = {0};
     uint32_t u32Length = 0;
 
-    if (hCal == NULL)
+    if (!BeginCommand(hCal, "\nGetRxSpectrum"))
         return -1;
-    puts("\nGetRxSpectrum");
     if (ReportError(Q7_GetRxSpectrum(hCal, RX_SPECTRUM_CAPACITY, adSpectrum, &u32Length)))
         return -1;
     /* The length line shows what the device reported; the rows never go

@@ -6,7 +6,6 @@
 #include "command_steps.h"
 #include "commands.h"
 #include "console.h"
-#include "report.h"
 
 /* A frames-in-error count with every bit set: the device has no count. */
 #define FRAMES_IN_ERROR_UNAVAILABLE 0xFFFFFFFFu

@@ -8,7 +8,6 @@
 #include "command_steps.h"
 #include "commands.h"
 #include "console.h"
-#include "report.h"
 
 /* The transmitter prompt of the commands that act on one or both transmitters. */
 #define TX_SELECTOR_PROMPT "0 = current active transmitter  1 = TX1 2 = TX2 3 =TX1 & TX2: "

@@ -2,17 +2,16 @@
 #include <stdint.h>
 #include <stdio.h>
 
+#include "command_steps.h"
 #include "console.h"
 #include "diagnostics.h"
-#include "report.h"
 
 int TestEchoTest(CalInterfaceHandle hCal)
 {
     uint32_t u32MessageLength = 0;
 
-    if (hCal == NULL)
+    if (!BeginCommand(hCal, "\nEcho test:"))
         return -1;
-    puts("\nEcho test:");
     if (!ReadUnsigned(&u32MessageLength, "    Message length in bytes (dec) ? "))
         return -1;
     if (ReportError(Q7_EchoTest(hCal, u32MessageLength)))

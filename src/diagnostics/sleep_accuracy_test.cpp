@@ -3,10 +3,10 @@
 #include <stdint.h>
 #include <stdio.h>
 
+#include "command_steps.h"
 #include "connection.h"
 #include "data_utils.h"
 #include "diagnostics.h"
-#include "report.h"
 
 #define CLOCK_RESOLUTION_ITERATIONS 1000000u
 #define INITIAL_SMALLEST_DIFFERENCE_MS 100000000.0

@@ -4,9 +4,9 @@
 #include <stdint.h>
 #include <stdio.h>
 
+#include "command_steps.h"
 #include "commands.h"
 #include "console.h"
-#include "report.h"
 
 /* Block 9's label holds a tab, so its lines align on the terminal's tab stop. */
 const char *const gsDSDBlockName[Q7_DSD_MAX_BLOCKS] = {
@@ -46,28 +46,15 @@ static const char *FlashMapTypeName(uint32_t u32FlashMapType)
 
 static char SectionFlag(uint32_t u32Bitmap, uint32_t u32Mask) { return (u32Bitmap & u32Mask) != 0 ? 'X' : ' '; }
 
-/* The two section selections: one prompt, one call. */
-typedef ApiStatus (*SectionOperation)(CalInterfaceHandle hCal, uint32_t u32Section);
-
-static int SelectSection(CalInterfaceHandle hCal, SectionOperation pfnSelect, const char *sName)
-{
-    uint32_t u32Section = 0;
-
-    if (hCal == NULL)
-        return -1;
-    printf("\n%s:\n", sName);
-    if (!ReadUnsigned(&u32Section, "    DSD  section (0-2) ? "))
-        return -1;
-    return ReportOutcome(pfnSelect(hCal, u32Section), sName);
-}
+/* The prompt of the two section selections. */
+#define DSD_SECTION_PROMPT "    DSD  section (0-2) ? "
 
 int TestLoadDSD(CalInterfaceHandle hCal)
 {
     uint32_t u32LoadMode = 0;
 
-    if (hCal == NULL)
+    if (!BeginCommand(hCal, "\nLoadDSD:"))
         return -1;
-    puts("\nLoadDSD:");
     puts("    Load mode: 0=Unchanged; 1=From NVM; 2=From DDR");
     if (!ReadUnsigned(&u32LoadMode, "    DSD address ? "))
         return -1;
@@ -78,10 +65,7 @@ int TestIsDSDValid(CalInterfaceHandle hCal)
 {
     uint32_t u32Valid = 0;
 
-    if (hCal == NULL)
-        return -1;
-    puts("\nIsDSDValid:");
-    if (ReportError(Q7_IsDSDValid(hCal, &u32Valid)))
+    if (!GetUnsignedValue(hCal, "\nIsDSDValid:", Q7_IsDSDValid, &u32Valid))
         return -1;
     printf("    %s checksum is %s VALID\n", "DSD", ValidityWord(u32Valid));
     return ReportSuccess("IsDSDValid");
@@ -92,9 +76,8 @@ int TestAreDSDChecksumsValid(CalInterfaceHandle hCal)
     uint8_t au8BlockValid[Q7_DSD_MAX_BLOCKS] = {0};
     uint32_t u32BlockCount = 0;
 
-    if (hCal == NULL)
+    if (!BeginCommand(hCal, "\nAreDSDChecksumsValid:"))
         return -1;
-    puts("\nAreDSDChecksumsValid:");
     ApiStatus status = Q7_AreDSDChecksumsValid(hCal, au8BlockValid, &u32BlockCount);
     u32BlockCount = CapBlockCount(u32BlockCount);
     for (uint32_t i = 0; i < u32BlockCount; i++)
@@ -107,11 +90,10 @@ int TestGetDSDChecksums(CalInterfaceHandle hCal)
     uint16_t au16Checksum[Q7_DSD_MAX_BLOCKS];
     uint32_t u32BlockCount = 0;
 
-    if (hCal == NULL)
-        return -1;
     for (uint32_t i = 0; i < Q7_DSD_MAX_BLOCKS; i++)
         au16Checksum[i] = 0xFFFF;
-    puts("\nGetDSDChecksums:");
+    if (!BeginCommand(hCal, "\nGetDSDChecksums:"))
+        return -1;
     ApiStatus status = Q7_GetDSDChecksums(hCal, au16Checksum, &u32BlockCount);
     u32BlockCount = CapBlockCount(u32BlockCount);
     for (uint32_t i = 0; i < u32BlockCount; i++)
@@ -123,10 +105,7 @@ int TestIsCalibrationValid(CalInterfaceHandle hCal)
 {
     uint32_t u32Valid = 0;
 
-    if (hCal == NULL)
-        return -1;
-    puts("\nIsCalibrationValid:");
-    if (ReportError(Q7_IsCalibrationValid(hCal, &u32Valid)))
+    if (!GetUnsignedValue(hCal, "\nIsCalibrationValid:", Q7_IsCalibrationValid, &u32Valid))
         return -1;
     printf("    Calibration state = %s\n", u32Valid != 0 ? "VALID" : "NOT VALID");
     return ReportSuccess("IsCalibrationValid");
@@ -170,10 +149,7 @@ int TestGetNVMSize(CalInterfaceHandle hCal)
 {
     uint32_t u32DsdSize = 0;
 
-    if (hCal == NULL)
-        return -1;
-    puts("\nGetNVMSize:");
-    if (ReportError(Q7_GetNVMSize(hCal, &u32DsdSize)))
+    if (!GetUnsignedValue(hCal, "\nGetNVMSize:", Q7_GetNVMSize, &u32DsdSize))
         return -1;
     printf("    DSD size = %d bytes\n", (int)u32DsdSize);
     return ReportSuccess("GetNVMSize");
@@ -185,9 +161,8 @@ int TestGetDSDInfo(CalInterfaceHandle hCal)
     uint32_t u32DsdSize = 0;
     uint32_t u32FlashMapType = 0;
 
-    if (hCal == NULL)
+    if (!BeginCommand(hCal, "\nGetDSDInfo:"))
         return -1;
-    puts("\nGetDSDInfo:");
     if (ReportError(Q7_GetDSDInfo(hCal, &u32NvmType, &u32DsdSize, &u32FlashMapType)))
         return -1;
     printf("    NVM type         = %s (%d)\n", NvmTypeName(u32NvmType), (int)u32NvmType);
@@ -200,9 +175,8 @@ int TestGetFlashDSDInfo(CalInterfaceHandle hCal)
 {
     FlashDSDInfo stInfo = {{0, 0, 0}};
 
-    if (hCal == NULL)
+    if (!BeginCommand(hCal, "\nGetFlashDSDInfo:"))
         return -1;
-    puts("\nGetFlashDSDInfo:");
     if (ReportError(Q7_GetFlashDSDInfo(hCal, &stInfo)))
         return -1;
     puts("  Section    Bitmap    Present  Valid  Read-Only  Active");
@@ -217,7 +191,8 @@ int TestGetFlashDSDInfo(CalInterfaceHandle hCal)
 
 int TestSelectActiveDSDSection(CalInterfaceHandle hCal)
 {
-    return SelectSection(hCal, Q7_SelectActiveDSDSection, "SelectActiveDSDSection");
+    return SetUnsignedCommand(hCal, "\nSelectActiveDSDSection:", DSD_SECTION_PROMPT, Q7_SelectActiveDSDSection,
+                              "SelectActiveDSDSection");
 }
 
 int TestInitializeFlash(CalInterfaceHandle hCal)
@@ -225,9 +200,8 @@ int TestInitializeFlash(CalInterfaceHandle hCal)
     uint32_t u32DesiredSectorSize = 0;
     uint32_t u32ActualSectorSize = 0;
 
-    if (hCal == NULL)
+    if (!BeginCommand(hCal, "\nInitializeFlash:"))
         return -1;
-    puts("\nInitializeFlash:");
     if (!ReadUnsigned(&u32DesiredSectorSize, "    Desired flash memory sector size (bytes) ? "))
         return -1;
     if (ReportError(Q7_InitializeFlash(hCal, u32DesiredSectorSize, &u32ActualSectorSize)))
@@ -238,7 +212,8 @@ int TestInitializeFlash(CalInterfaceHandle hCal)
 
 int TestSelectCurrentDSDSection(CalInterfaceHandle hCal)
 {
-    return SelectSection(hCal, Q7_SelectCurrentDSDSection, "SelectCurrentDSDSection");
+    return SetUnsignedCommand(hCal, "\nSelectCurrentDSDSection:", DSD_SECTION_PROMPT, Q7_SelectCurrentDSDSection,
+                              "SelectCurrentDSDSection");
 }
 
 int TestCopyDSDSection(CalInterfaceHandle hCal)
@@ -248,9 +223,8 @@ int TestCopyDSDSection(CalInterfaceHandle hCal)
     uint32_t u32ByteCount = 0;
     uint32_t u32Offset = 0;
 
-    if (hCal == NULL)
+    if (!BeginCommand(hCal, "\nCopyDSDSection:"))
         return -1;
-    puts("\nCopyDSDSection:");
     if (!ReadUnsigned(&u32Source, "    Source DSD  section (0-2) ? ") ||
         !ReadUnsigned(&u32Target, "    Target DSD  section (0-2) ? ") ||
         !ReadUnsigned(&u32ByteCount, "    Number of bytes to copy (dec)    ? ") ||

@@ -5,10 +5,10 @@
 #include <stdio.h>
 #include <stdlib.h>
 
+#include "command_steps.h"
 #include "commands.h"
 #include "console.h"
 #include "data_utils.h"
-#include "report.h"
 
 /* The largest word count whose byte count fits 32 bits. */
 #define MAX_BLOCK_WORDS (UINT32_MAX / 4u)
@@ -42,9 +42,8 @@ int TestReadDSDBlock(CalInterfaceHandle hCal)
     uint32_t u32Address = 0;
     uint32_t u32WordCount = 0;
 
-    if (hCal == NULL)
+    if (!BeginCommand(hCal, "\nRead DSD Data Block:"))
         return -1;
-    puts("\nRead DSD Data Block:");
     puts("\nNote: Block size is the number of unsigned integers .");
     if (!ReadHex(&u32Address, "    DSD  address (hex) ? ") ||
         !ReadUnsigned(&u32WordCount, "    Block size (dec)          ? "))
@@ -62,9 +61,8 @@ int TestReadDSDBytes(CalInterfaceHandle hCal)
     uint32_t u32Address = 0;
     uint32_t u32ByteCount = 0;
 
-    if (hCal == NULL)
+    if (!BeginCommand(hCal, "\nRead DSD Bytes:"))
         return -1;
-    puts("\nRead DSD Bytes:");
     puts("\nNote: Block size is the number of bytes.");
     if (!ReadHex(&u32Address, "    DSD address (hex) ? ") ||
         !ReadUnsigned(&u32ByteCount, "    Byte size (dec)          ? "))
@@ -77,9 +75,8 @@ int TestGetDSDRegionSizeByID(CalInterfaceHandle hCal)
     int32_t i32RegionID = 0;
     uint32_t u32Size = 0;
 
-    if (hCal == NULL)
+    if (!BeginCommand(hCal, "\nGetDSDRegionSizeByID:"))
         return -1;
-    puts("\nGetDSDRegionSizeByID:");
     if (!ReadSigned(&i32RegionID, "Enter region ID (dec) ? "))
         return -1;
     if (ReportError(Q7_GetDSDRegionSizeByID(hCal, i32RegionID, &u32Size)))
@@ -95,9 +92,8 @@ int TestReadDSDRegionByID(CalInterfaceHandle hCal)
     uint32_t u32Returned = 0;
     uint8_t *pu8Data = NULL;
 
-    if (hCal == NULL)
+    if (!BeginCommand(hCal, "\nReadDSDRegionByID:"))
         return -1;
-    puts("\nReadDSDRegionByID:");
     if (!ReadSigned(&i32RegionID, "Enter region ID (dec) ? "))
         return -1;
     if (ReportError(Q7_GetDSDRegionSizeByID(hCal, i32RegionID, &u32Size)))

@@ -1,8 +1,10 @@
 /*
- * Steps that the device handlers share, so that each handler reads as its
- * own prompts and result lines:
- *  - BeginCommand: a null handle ends the handler with no output; otherwise
- *    the heading line is printed;
+ * The steps every handler shares, so that each handler reads as its own
+ * prompts, call and result lines:
+ *  - BeginCommand opens a handler: a null handle ends it with no output;
+ *    otherwise the heading line is printed;
+ *  - ReportError / ReportSuccess / ReportOutcome end it: the library's error
+ *    text, or the handler's result lines followed by its SUCCESSFUL line;
  *  - Set*Command: a whole handler that asks for one value and passes it to one
  *    operation (heading, prompt, call, the common ending);
  *  - Get*Value: the first half of a handler that reads one value (heading,
@@ -28,6 +30,16 @@ typedef ApiStatus (*ActionOp)(CalInterfaceHandle hCal);
 
 /* False for a null handle (nothing printed); else prints the heading line. */
 bool BeginCommand(CalInterfaceHandle hCal, const char *sHeading);
+
+/* Prints "\nERROR: %s\n" for a failed status; true when it did. */
+bool ReportError(ApiStatus status);
+
+/* Prints "\n%s was SUCCESSFUL.\n" with the name; returns 0. */
+int ReportSuccess(const char *sName);
+
+/* For an operation without result lines: -1 after the error, or 0 after the
+ * SUCCESSFUL line. */
+int ReportOutcome(ApiStatus status, const char *sName);
 
 /* Heading, the prompt (printed as given, no line end) read with "%u", "%d" or
  * "%lg", the operation, then the error line and -1 or the SUCCESSFUL line
