@@ -8,6 +8,7 @@
 #include <functional>
 #include <string>
 
+#include "Device.h"
 #include "Q7CalAPI.h"
 
 // What `body` printed while reading `input` (a fresh input stream: the
@@ -27,8 +28,17 @@ class SimulatedDeviceTest : public ::testing::Test {
 protected:
     void SetUp() override;
     void TearDown() override;
+    // The device behind hCal, for forcing values and checking its state.
+    q7sim::Device &device();
 
     CalInterfaceHandle hCal = nullptr;
 };
+
+// A Cal API status as text: "(success)" for success.
+std::string Text(ApiStatus status);
+bool Contains(const std::string &text, const std::string &part);
+bool EndsWith(const std::string &text, const std::string &tail);
+// How often `what` occurs in `text`, overlaps included.
+size_t Count(const std::string &text, const std::string &what);
 
 #endif
