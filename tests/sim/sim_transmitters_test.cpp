@@ -10,8 +10,6 @@
 
 namespace {
 
-std::string Text(ApiStatus status) { return status != nullptr ? status : "(success)"; }
-
 struct Attn {
     double baseband;
     uint32_t mixerTherm, mixerBinary, paTherm, paAttn, ext;
