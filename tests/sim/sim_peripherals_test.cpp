@@ -7,7 +7,6 @@
 
 #include "Device.h"
 #include "Q7CalAPI.h"
-#include "SimControl.h"
 #include "console_capture.h"
 
 namespace {

@@ -4,7 +4,6 @@
 #include <string>
 
 #include "Q7CalAPI.h"
-#include "SimControl.h"
 #include "console_capture.h"
 
 namespace {

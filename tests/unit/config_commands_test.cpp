@@ -2,7 +2,6 @@
 
 #include <string>
 
-#include "SimControl.h"
 #include "commands.h"
 #include "console_capture.h"
 
@@ -25,15 +24,10 @@ TEST_F(ConfigCommandsTest, UnknownModeValuesPrintTheirUnknownNamesWithSignedNumb
 
 TEST_F(ConfigCommandsTest, DeviceErrorsEndTheCommandWithoutResultLines)
 {
-    q7sim::control::FailNext("Q7_GetBandConfig", 1, "Band read timed out");
-    HandlerRun get = RunHandler(TestGetBandConfig, hCal);
-    EXPECT_EQ(get.result, -1);
-    EXPECT_EQ(get.output, "\nGetBandConfig:\n\nERROR: Band read timed out\n");
-
-    q7sim::control::FailNext("Q7_GetDeviceMode", 1, "Mode read timed out");
-    HandlerRun mode = RunHandler(TestGetDeviceMode, hCal);
-    EXPECT_EQ(mode.result, -1);
-    EXPECT_EQ(mode.output, "\nGetDeviceMode:\n\nERROR: Mode read timed out\n");
+    ExpectInjectedFaultsReported(hCal, {
+        {TestGetBandConfig, "Q7_GetBandConfig", "", "\nGetBandConfig:\n"},
+        {TestGetDeviceMode, "Q7_GetDeviceMode", "", "\nGetDeviceMode:\n"},
+    });
 }
 
 TEST_F(ConfigCommandsTest, EndOfInputSendsNothing)

@@ -1,6 +1,7 @@
 #include <gtest/gtest.h>
 
 #include <cstdint>
+#include <numeric>
 #include <vector>
 
 #include "console_capture.h"
@@ -8,19 +9,12 @@
 
 namespace {
 
-std::vector<uint8_t> Sequence(size_t count)
-{
-    std::vector<uint8_t> bytes(count);
-    for (size_t i = 0; i < count; i++)
-        bytes[i] = static_cast<uint8_t>(i);
-    return bytes;
-}
-
 // Rows of sixteen are pinned by the DSD reading sessions; only an offset
 // beyond the 64 KB section needs more than four digits.
 TEST(HexByteDump, OffsetsGrowBeyondFourDigits)
 {
-    std::vector<uint8_t> bytes = Sequence(20);
+    std::vector<uint8_t> bytes(20);
+    std::iota(bytes.begin(), bytes.end(), 0);
     EXPECT_EQ(RunWithInput("", [&] { Q7_HexByteDump(bytes.data(), 0x1FFF8, 20); }),
               "1FFF8:  00 01 02 03 04 05 06 07 08 09 0A 0B 0C 0D 0E 0F\n"
               "20008:  10 11 12 13\n");

@@ -3,7 +3,6 @@
 #include <cstdio>
 #include <string>
 
-#include "SimControl.h"
 #include "commands.h"
 #include "console_capture.h"
 
@@ -51,25 +50,15 @@ TEST_F(LoopbackCommandsTest, FEStepTableHasRx1LeftAndRx2Right)
 
 TEST_F(LoopbackCommandsTest, DeviceErrorsPrintNoTableLines)
 {
-    struct Case {
-        int (*handler)(CalInterfaceHandle);
-        const char *operation, *input, *expected;
-    };
-    const Case cases[] = {
+    ExpectInjectedFaultsReported(hCal, {
         {TestCalibrateTxGains, "Q7_CalibrateTxGains", "0\n2500000\n",
-         "Calibrate TX Steps:\n0 = current active transmitter\t1 = TX1 2 = TX2 3 =TX1 & TX2: "
-         "The center frequency in kHz: \nERROR: Calibration failed\n"},
-        {TestCalibrateLCTrim, "Q7_CalibrateLCTrim", "", "Calibrate LC Trim:\n\nERROR: Calibration failed\n"},
+            "Calibrate TX Steps:\n0 = current active transmitter\t1 = TX1 2 = TX2 3 =TX1 & TX2: "
+            "The center frequency in kHz: "},
+        {TestCalibrateLCTrim, "Q7_CalibrateLCTrim", "", "Calibrate LC Trim:\n"},
         {TestCalibrateTxExtAttnStep, "Q7_CalibrateTxExtAttnStep", "0\n",
-         "Calibrate Tx external attenuator step:\n0 = current active transmitter  1 = TX1 2 = TX2 3 =TX1 & TX2: "
-         "\nERROR: Calibration failed\n"},
-    };
-    for (const Case &c : cases) {
-        q7sim::control::FailNext(c.operation, 1, "Calibration failed");
-        HandlerRun run = RunHandler(c.handler, hCal, c.input);
-        EXPECT_EQ(run.result, -1) << c.operation;
-        EXPECT_EQ(run.output, c.expected) << c.operation;
-    }
+            "Calibrate Tx external attenuator step:\n"
+            "0 = current active transmitter  1 = TX1 2 = TX2 3 =TX1 & TX2: "},
+    });
 }
 
 TEST_F(LoopbackCommandsTest, EndOfInputBeforeTheLastAnswerCalibratesNothing)

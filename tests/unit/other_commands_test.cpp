@@ -3,7 +3,6 @@
 #include <regex>
 #include <string>
 
-#include "SimControl.h"
 #include "commands.h"
 #include "console_capture.h"
 
@@ -59,21 +58,11 @@ TEST_F(OtherCommandsTest, VersionReportCutsTheDriverTextAt31Characters)
 
 TEST_F(OtherCommandsTest, DeviceErrorsPrintNoResultLines)
 {
-    struct Case {
-        int (*handler)(CalInterfaceHandle);
-        const char *operation, *expected;
-    };
-    const Case cases[] = {
-        {TestReadGPIOState, "Q7_ReadGPIOState", "\nReadGPIOState:\n\nERROR: Device busy\n"},
-        {TestGetTemperature, "Q7_GetTemperature", "\nGetTemperature:\n\nERROR: Device busy\n"},
-        {TestGetVersionInfo, "Q7_GetVersionInfo", "\nGetVersionInfo:\n\nERROR: Device busy\n"},
-    };
-    for (const Case &c : cases) {
-        q7sim::control::FailNext(c.operation, 1, "Device busy");
-        HandlerRun run = RunHandler(c.handler, hCal);
-        EXPECT_EQ(run.result, -1) << c.operation;
-        EXPECT_EQ(run.output, c.expected) << c.operation;
-    }
+    ExpectInjectedFaultsReported(hCal, {
+        {TestReadGPIOState, "Q7_ReadGPIOState", "", "\nReadGPIOState:\n"},
+        {TestGetTemperature, "Q7_GetTemperature", "", "\nGetTemperature:\n"},
+        {TestGetVersionInfo, "Q7_GetVersionInfo", "", "\nGetVersionInfo:\n"},
+    });
 }
 
 }  // namespace

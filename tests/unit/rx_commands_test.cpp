@@ -3,7 +3,6 @@
 #include <cstdio>
 #include <string>
 
-#include "SimControl.h"
 #include "commands.h"
 #include "console_capture.h"
 
@@ -73,33 +72,17 @@ TEST_F(RxCommandsTest, FrameCountsPrintUnsigned)
 
 TEST_F(RxCommandsTest, DeviceErrorsEndEachCommandWithoutResultLines)
 {
-    struct Case {
-        int (*handler)(CalInterfaceHandle);
-        const char *operation;
-        const char *input;
-        const char *expected;
-    };
-    const Case cases[] = {
-        {TestGetRxAntConfig, "Q7_GetRxAntConfig", "", "\nGetRxAntConfig:\n\nERROR: RFIC timeout\n"},
-        {TestIsSync, "Q7_IsSync", "", "\nIsSync:\n\nERROR: RFIC timeout\n"},
-        {TestForceReSync, "Q7_ForceReSync", "", "\nForce Re-sync:\n\nERROR: RFIC timeout\n"},
-        {TestGetRSSIReport, "Q7_GetRSSIReport", "", "\nGetRSSIReport:\n\nERROR: RFIC timeout\n"},
-        {TestGetCINR, "Q7_GetCINR", "", "\nGetCINR:\n\nERROR: RFIC timeout\n"},
-        {TestGetPerAntThermalNoise, "Q7_GetPerAntThermalNoise", "",
-         "\nGetPerAntThermalNoise:\n\nERROR: RFIC timeout\n"},
-        {TestResetFrameErrorStatistics, "Q7_ResetFrameErrorStatistics", "",
-         "\nResetFrameErrorStatistics:\n\nERROR: RFIC timeout\n"},
-        {TestGetFrameErrorStatistics, "Q7_GetFrameErrorStatistics", "",
-         "\nGetFrameErrorStatistics:\n\nERROR: RFIC timeout\n"},
-        {TestGetRxGainState, "Q7_GetRxGainState", "0\n",
-         "\nGetRxGainState:\n    Rx path (0=Rx1; 1=Rx2) ? \nERROR: RFIC timeout\n"},
-    };
-    for (const Case &c : cases) {
-        q7sim::control::FailNext(c.operation, 1, "RFIC timeout");
-        HandlerRun run = RunHandler(c.handler, hCal, c.input);
-        EXPECT_EQ(run.result, -1) << c.operation;
-        EXPECT_EQ(run.output, c.expected) << c.operation;
-    }
+    ExpectInjectedFaultsReported(hCal, {
+        {TestGetRxAntConfig, "Q7_GetRxAntConfig", "", "\nGetRxAntConfig:\n"},
+        {TestIsSync, "Q7_IsSync", "", "\nIsSync:\n"},
+        {TestForceReSync, "Q7_ForceReSync", "", "\nForce Re-sync:\n"},
+        {TestGetRSSIReport, "Q7_GetRSSIReport", "", "\nGetRSSIReport:\n"},
+        {TestGetCINR, "Q7_GetCINR", "", "\nGetCINR:\n"},
+        {TestGetPerAntThermalNoise, "Q7_GetPerAntThermalNoise", "", "\nGetPerAntThermalNoise:\n"},
+        {TestResetFrameErrorStatistics, "Q7_ResetFrameErrorStatistics", "", "\nResetFrameErrorStatistics:\n"},
+        {TestGetFrameErrorStatistics, "Q7_GetFrameErrorStatistics", "", "\nGetFrameErrorStatistics:\n"},
+        {TestGetRxGainState, "Q7_GetRxGainState", "0\n", "\nGetRxGainState:\n    Rx path (0=Rx1; 1=Rx2) ? "},
+    });
 }
 
 }  // namespace

@@ -2,7 +2,6 @@
 
 #include <string>
 
-#include "SimControl.h"
 #include "commands.h"
 #include "console_capture.h"
 
@@ -38,13 +37,7 @@ TEST_F(TxCommandsTest, TypedValuesReachTheDeviceUnroundedAndForTheirTransmitter)
 
 TEST_F(TxCommandsTest, DeviceErrorsEndEachCommandWithoutResultLines)
 {
-    struct Case {
-        int (*handler)(CalInterfaceHandle);
-        const char *operation;
-        const char *input;
-        const char *heading;
-    };
-    const Case cases[] = {
+    ExpectInjectedFaultsReported(hCal, {
         {TestGetTxOutputPower, "Q7_GetTxOutputPower", "", "\nGetTxOutputPower:\n"},
         {TestGetTxDiversitySwitch, "Q7_GetTxDiversitySwitch", "", "\nGetTxDiversitySwitch:\n"},
         {TestGetActiveTX, "Q7_GetActiveTX", "", "\nGetActiveTx:\n"},
@@ -53,16 +46,10 @@ TEST_F(TxCommandsTest, DeviceErrorsEndEachCommandWithoutResultLines)
         {TestGetFeedbackCalAttn, "Q7_GetFeedbackCalAttn", "", "\nGetFeedbackCalAttn:\n"},
         {TestGetRFAsymmetry, "Q7_GetRFAsymmetry", "", "\nGetRFAsymmetry:\n"},
         {TestSetLCLControllerState, "Q7_SetLFLControllerState", "1\n",
-         "\nSetLCLControllerState:\nplease enter: 0=Freeze control loop1=Enable control loop"},
+            "\nSetLCLControllerState:\nplease enter: 0=Freeze control loop1=Enable control loop"},
         {TestSetActiveTX, "Q7_SetActiveTX", "1\n",
-         "\nSetActiveTx:\nplease enter: 0=neither enabled 1=TX1 enable 2=TX2 enable 3=TX1 & TX2 enable \n"},
-    };
-    for (const Case &c : cases) {
-        q7sim::control::FailNext(c.operation, 1, "PA not ready");
-        HandlerRun run = RunHandler(c.handler, hCal, c.input);
-        EXPECT_EQ(run.result, -1) << c.operation;
-        EXPECT_EQ(run.output, std::string(c.heading) + "\nERROR: PA not ready\n") << c.operation;
-    }
+            "\nSetActiveTx:\nplease enter: 0=neither enabled 1=TX1 enable 2=TX2 enable 3=TX1 & TX2 enable \n"},
+    });
 }
 
 TEST_F(TxCommandsTest, EndOfInputSendsNothing)
