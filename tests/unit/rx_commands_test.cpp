@@ -63,7 +63,7 @@ TEST_F(RxCommandsTest, ClipSharesAreQuotientsOfTheCounts)
     EXPECT_TRUE(Contains(report.output, "(inf %)"));
 }
 
-TEST_F(RxCommandsTest, FrameCountsPrintUnsigned)
+TEST_F(RxCommandsTest, AnErrorCountJustBelowTheNoSyncMarkIsShownAsANumber)
 {
     Rx().ForceFrameStatistics(7, 0xFFFFFFFEu);
     EXPECT_TRUE(Contains(RunHandler(TestGetFrameErrorStatistics, hCal).output,
