@@ -6,17 +6,13 @@
 
 #include "Device.h"
 #include "Q7CalAPI.h"
-#include "SimControl.h"
 #include "console_capture.h"
 
 namespace {
 
-std::string Text(ApiStatus status) { return status != nullptr ? status : "(success)"; }
-
 class SimCalibrationTest : public SimulatedDeviceTest {
 protected:
     void SetMode(uint32_t dutMode) { ASSERT_EQ(Q7_SetDeviceMode(hCal, dutMode, 0, 1000, 0), nullptr); }
-    q7sim::Device &device() { return *q7sim::control::OpenDevice(); }
 
     ApiStatus FESteps(uint32_t index, double rx1, double rx2)
     {

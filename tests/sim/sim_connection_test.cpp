@@ -10,8 +10,6 @@ namespace {
 
 using SimConnectionTest = SimulatedDeviceTest;
 
-std::string Text(ApiStatus status) { return status != nullptr ? status : "(success)"; }
-
 TEST_F(SimConnectionTest, OnlyTheLocalInterfaceOpensAndOpeningAgainGivesTheSameHandle)
 {
     char buffer[128];
@@ -19,35 +17,26 @@ TEST_F(SimConnectionTest, OnlyTheLocalInterfaceOpensAndOpeningAgainGivesTheSameH
     EXPECT_EQ(Q7_GetCalInterface(Q7_INTERFACE_LOCAL, buffer, nullptr), hCal);
 }
 
-TEST_F(SimConnectionTest, ConnectionStateIsCheckedBothWays)
+TEST_F(SimConnectionTest, EveryOperationNeedsAValidHandleAndAConnectedDevice)
 {
     EXPECT_EQ(Text(Q7_ConnectDevice(hCal)), "Device already connected");
     EXPECT_EQ(Text(Q7_DisconnectDevice(hCal)), "(success)");
     EXPECT_EQ(Text(Q7_DisconnectDevice(hCal)), "Device not connected");
-    uint32_t center = 0, bandwidth = 0;
-    EXPECT_EQ(Text(Q7_GetBandConfig(hCal, &center, &bandwidth)), "Device not connected");
-    EXPECT_EQ(Text(Q7_ConnectDevice(hCal)), "(success)");
-}
-
-TEST_F(SimConnectionTest, AStaleOrNullHandleIsRefused)
-{
+    uint32_t value = 0;
+    uint8_t byte = 0;
+    int32_t option = 0;
+    EXPECT_EQ(Text(Q7_GetBandConfig(hCal, &value, &value)), "Device not connected");
+    EXPECT_EQ(Text(Q7_ForceReSync(hCal)), "Device not connected");
+    EXPECT_EQ(Text(Q7_LoadDSD(hCal, 1)), "Device not connected");
+    EXPECT_EQ(Text(Q7_ReadDSDBytes(hCal, &byte, 1, 0)), "Device not connected");
+    EXPECT_EQ(Text(Q7_SetOptionByID(hCal, 0, 3)), "Device not connected");
+    EXPECT_EQ(Text(Q7_GetMACAddress(nullptr, &byte)), "Invalid Cal API interface handle");
+    EXPECT_EQ(Text(Q7_GetOptionByID(nullptr, 0, &option)), "Invalid Cal API interface handle");
     EXPECT_EQ(Text(Q7_ConnectDevice(nullptr)), "Invalid Cal API interface handle");
-    Q7_CloseCalInterface();
-    EXPECT_EQ(Text(Q7_DisconnectDevice(hCal)), "Invalid Cal API interface handle");
-}
+    EXPECT_EQ(Text(Q7_ConnectDevice(hCal)), "(success)");
 
-TEST_F(SimConnectionTest, FactoryStateIsNormalModeTunedToTheTestSignal)
-{
-    uint32_t dut = 9, modulation = 9, loopback = 9, center = 0, bandwidth = 0;
-    int32_t cw = 9;
-    ASSERT_EQ(Q7_GetDeviceMode(hCal, &dut, &modulation, &cw, &loopback), nullptr);
-    EXPECT_EQ(dut, 0u);
-    EXPECT_EQ(modulation, 0u);
-    EXPECT_EQ(cw, 0);
-    EXPECT_EQ(loopback, 0u);
-    ASSERT_EQ(Q7_GetBandConfig(hCal, &center, &bandwidth), nullptr);
-    EXPECT_EQ(center, 2500000u);
-    EXPECT_EQ(bandwidth, 10000u);
+    Q7_CloseCalInterface();
+    EXPECT_EQ(Text(Q7_DisconnectDevice(hCal)), "Invalid Cal API interface handle") << "a stale handle";
 }
 
 TEST_F(SimConnectionTest, DeviceModeRangesAndTheAutomatedTestValues)
@@ -76,6 +65,8 @@ TEST_F(SimConnectionTest, BandConfigAcceptsTheBandsAndWidthsOfTheRadio)
     EXPECT_EQ(Text(Q7_SetBandConfig(hCal, 2450000, 5000)),
               "Center frequency 2450000 kHz is outside the supported bands "
               "(2300000-2400000, 2496000-2690000, 3300000-3800000 kHz)");
+    EXPECT_EQ(Text(Q7_SetBandConfig(hCal, 2500000, 6000)),
+              "Bandwidth 6000 kHz is not supported (3500, 5000, 7000, 8750, 10000 kHz)");
 
     uint32_t center = 0, bandwidth = 0;
     ASSERT_EQ(Q7_GetBandConfig(hCal, &center, &bandwidth), nullptr);

@@ -5,12 +5,9 @@
 
 #include "Device.h"
 #include "Q7CalAPI.h"
-#include "SimControl.h"
 #include "console_capture.h"
 
 namespace {
-
-std::string Text(ApiStatus status) { return status != nullptr ? status : "(success)"; }
 
 struct Attn {
     double baseband;
@@ -149,7 +146,7 @@ TEST_F(SimTransmittersTest, LowLevelWordsRoundTrip)
     }
 
     ASSERT_EQ(Q7_SetTxDecoderMode(hCal, 3, 1), nullptr);
-    q7sim::Transmitters &tx = q7sim::control::OpenDevice()->tx;
+    q7sim::Transmitters &tx = device().tx;
     EXPECT_EQ(tx.decoderMode(0), 1u);
     EXPECT_EQ(tx.decoderMode(1), 1u);
     ASSERT_EQ(Q7_SetLFLControllerState(hCal, 0), nullptr);
@@ -158,12 +155,11 @@ TEST_F(SimTransmittersTest, LowLevelWordsRoundTrip)
 
 TEST_F(SimTransmittersTest, ATransmitterIsOnOnlyWhenOneIsActiveInATransmitMode)
 {
-    q7sim::Device &device = *q7sim::control::OpenDevice();
-    EXPECT_FALSE(device.Transmitting()) << "Normal mode";
+    EXPECT_FALSE(device().Transmitting()) << "Normal mode";
     ASSERT_EQ(Q7_SetDeviceMode(hCal, 2, 0, 0, 0), nullptr);
-    EXPECT_TRUE(device.Transmitting());
+    EXPECT_TRUE(device().Transmitting());
     ASSERT_EQ(Q7_SetActiveTX(hCal, 0), nullptr);
-    EXPECT_FALSE(device.Transmitting());
+    EXPECT_FALSE(device().Transmitting());
 }
 
 }  // namespace

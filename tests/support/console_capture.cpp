@@ -54,3 +54,32 @@ void SimulatedDeviceTest::SetUp()
 }
 
 void SimulatedDeviceTest::TearDown() { q7sim::control::Reset(); }
+
+void ExpectInjectedFaultsReported(CalInterfaceHandle hCal, std::initializer_list<InjectedFault> faults)
+{
+    for (const InjectedFault &fault : faults) {
+        q7sim::control::FailNext(fault.operation, 1, "Device fault");
+        HandlerRun run = RunHandler(fault.handler, hCal, fault.input);
+        EXPECT_EQ(run.result, -1) << fault.operation;
+        EXPECT_EQ(run.output, std::string(fault.before) + "\nERROR: Device fault\n") << fault.operation;
+    }
+}
+
+q7sim::Device &SimulatedDeviceTest::device() { return *q7sim::control::OpenDevice(); }
+
+std::string Text(ApiStatus status) { return status != nullptr ? status : "(success)"; }
+
+bool Contains(const std::string &text, const std::string &part) { return text.find(part) != std::string::npos; }
+
+bool EndsWith(const std::string &text, const std::string &tail)
+{
+    return text.size() >= tail.size() && text.compare(text.size() - tail.size(), tail.size(), tail) == 0;
+}
+
+size_t Count(const std::string &text, const std::string &what)
+{
+    size_t count = 0;
+    for (size_t at = text.find(what); at != std::string::npos; at = text.find(what, at + 1))
+        count++;
+    return count;
+}

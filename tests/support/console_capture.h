@@ -6,8 +6,10 @@
 #include <gtest/gtest.h>
 
 #include <functional>
+#include <initializer_list>
 #include <string>
 
+#include "Device.h"
 #include "Q7CalAPI.h"
 
 // What `body` printed while reading `input` (a fresh input stream: the
@@ -27,8 +29,28 @@ class SimulatedDeviceTest : public ::testing::Test {
 protected:
     void SetUp() override;
     void TearDown() override;
+    // The device behind hCal, for forcing values and checking its state.
+    q7sim::Device &device();
 
     CalInterfaceHandle hCal = nullptr;
 };
+
+// A handler run while its Cal API operation fails once with "Device fault":
+// it prints `before` (its heading and prompts), then the error line, and
+// returns -1.
+struct InjectedFault {
+    int (*handler)(CalInterfaceHandle);
+    const char *operation;
+    const char *input;
+    const char *before;
+};
+void ExpectInjectedFaultsReported(CalInterfaceHandle hCal, std::initializer_list<InjectedFault> faults);
+
+// A Cal API status as text: "(success)" for success.
+std::string Text(ApiStatus status);
+bool Contains(const std::string &text, const std::string &part);
+bool EndsWith(const std::string &text, const std::string &tail);
+// How often `what` occurs in `text`, overlaps included.
+size_t Count(const std::string &text, const std::string &what);
 
 #endif

@@ -31,14 +31,6 @@ protected:
     }
 };
 
-size_t Count(const std::string &text, const std::string &what)
-{
-    size_t count = 0;
-    for (size_t at = text.find(what); at != std::string::npos; at = text.find(what, at + 1))
-        count++;
-    return count;
-}
-
 TEST_F(ConnectionTest, ADeviceThatAnswersAtTheThirdAttemptConnectsAfterTwoPauses)
 {
     q7sim::control::ConnectSucceedsAtAttempt(3);

@@ -19,14 +19,12 @@ std::vector<int> Choices(const std::string &input, int calls)
     return choices;
 }
 
-TEST(ReadChoice, TakesTheNumberAtTheStartOfEachWord)
+TEST(ReadChoice, TakesTheNumberAtTheStartOfEachWordAndSkipsEmptyLines)
 {
     EXPECT_EQ(Choices("7abc\n   7\n-2 abc 0 +3\n", 6), (std::vector<int>{7, 7, -2, 0, 0, 3}));
-}
-
-TEST(ReadChoice, EmptyLinesDoNotEndTheWait)
-{
     EXPECT_EQ(Choices("\n\n\n  4\n", 1), (std::vector<int>{4}));
+    // Over-long and out-of-range words are one invalid choice each.
+    EXPECT_EQ(Choices(std::string(60, '1') + " 5\n99999999999\n", 3), (std::vector<int>{0, 5, 0}));
 }
 
 TEST(ReadChoice, EndOfInputReadsAsMinusOneEveryTime)
@@ -40,12 +38,6 @@ TEST(ReadChoice, EndOfInputReadsAsMinusOneEveryTime)
     });
     EXPECT_EQ(choices, (std::vector<int>{2, -1, -1}));
     EXPECT_TRUE(ended);
-}
-
-TEST(ReadChoice, OverLongAndOutOfRangeWordsAreOneInvalidChoice)
-{
-    std::string longWord(60, '1');
-    EXPECT_EQ(Choices(longWord + " 5\n99999999999\n", 3), (std::vector<int>{0, 5, 0}));
 }
 
 TEST(PadString, PadsOrCutsToTheWidth)

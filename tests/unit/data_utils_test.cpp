@@ -1,6 +1,7 @@
 #include <gtest/gtest.h>
 
 #include <cstdint>
+#include <numeric>
 #include <vector>
 
 #include "console_capture.h"
@@ -8,35 +9,15 @@
 
 namespace {
 
-std::vector<uint8_t> Sequence(size_t count)
+// Rows of sixteen are pinned by the DSD reading sessions; only an offset
+// beyond the 64 KB section needs more than four digits.
+TEST(HexByteDump, OffsetsGrowBeyondFourDigits)
 {
-    std::vector<uint8_t> bytes(count);
-    for (size_t i = 0; i < count; i++)
-        bytes[i] = static_cast<uint8_t>(i);
-    return bytes;
-}
-
-TEST(HexByteDump, RowsOfSixteenWithOffsetsThatGrowBeyondFourDigits)
-{
-    std::vector<uint8_t> bytes = Sequence(20);
+    std::vector<uint8_t> bytes(20);
+    std::iota(bytes.begin(), bytes.end(), 0);
     EXPECT_EQ(RunWithInput("", [&] { Q7_HexByteDump(bytes.data(), 0x1FFF8, 20); }),
               "1FFF8:  00 01 02 03 04 05 06 07 08 09 0A 0B 0C 0D 0E 0F\n"
               "20008:  10 11 12 13\n");
-}
-
-TEST(HexByteDump, FullRowEndsWithExactlyOneNewline)
-{
-    std::vector<uint8_t> bytes = Sequence(16);
-    EXPECT_EQ(RunWithInput("", [&] { Q7_HexByteDump(bytes.data(), 0x100, 16); }),
-              "0100:  00 01 02 03 04 05 06 07 08 09 0A 0B 0C 0D 0E 0F\n");
-}
-
-TEST(HexByteDump, SeventeenBytesMakeTwoRowsAndNothingMakesANewline)
-{
-    std::vector<uint8_t> bytes = Sequence(17);
-    EXPECT_EQ(RunWithInput("", [&] { Q7_HexByteDump(bytes.data(), 0, 17); }),
-              "0000:  00 01 02 03 04 05 06 07 08 09 0A 0B 0C 0D 0E 0F\n0010:  10\n");
-    EXPECT_EQ(RunWithInput("", [] { Q7_HexByteDump(nullptr, 0, 0); }), "\n");
 }
 
 TEST(CompareBlocks, ComparesFromEachSideOffsetAndNamesBothIndexes)
@@ -47,13 +28,8 @@ TEST(CompareBlocks, ComparesFromEachSideOffsetAndNamesBothIndexes)
     std::string output = RunWithInput("", [&] { errors = CompareBlocks(readBack, expected, 4, 0, 3); });
     EXPECT_EQ(errors, 1u);
     EXPECT_EQ(output, "\nRead back [00000005] = BB - Expected [00000001] = 00 - Verify ERROR\n");
-}
 
-TEST(CompareBlocks, IdenticalBlocksPrintNothing)
-{
-    const uint8_t bytes[] = {1, 2, 3};
-    uint32_t errors = 1;
-    EXPECT_EQ(RunWithInput("", [&] { errors = CompareBlocks(bytes, bytes, 0, 0, 3); }), "");
+    EXPECT_EQ(RunWithInput("", [&] { errors = CompareBlocks(expected, expected, 0, 0, 3); }), "");
     EXPECT_EQ(errors, 0u);
 }
 
