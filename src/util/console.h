@@ -4,8 +4,9 @@
  * All reads of standard input go through this module, which flushes stdout
  * first (so prompts show when output is a pipe) and handles the two input
  * failures the same way everywhere:
- *  - text that is not a number: one line says what is expected, the rest of
- *    that input line is dropped and the same prompt is asked again;
+ *  - an answer that is not a number (trailing letters included) or does not
+ *    fit the value's type: one line says what is expected, the rest of that
+ *    input line is dropped and the same prompt is asked again;
  *  - end of input: the Read* helpers print one line and return false, and the
  *    caller abandons its command before it changes the device; the menu then
  *    leaves through its normal exit path. At a menu, end of input reads as -1.
@@ -32,8 +33,12 @@ char *PadString(const char *sText, char cFill, uint32_t u32Width);
  * character. Returns at once at end of input. */
 void PressEnterToContinue(void);
 
-/* Print the prompt (a printf format) and read one answer with "%u", "%d",
- * "%x" or "%lg". True when *value was set; false at end of input. */
+/* Print the prompt (a printf format) and read one answer, a word, as the
+ * "%u", "%d", "%x" or "%lg" conversion reads it: unsigned decimal, signed
+ * decimal, hexadecimal (an optional 0x) or floating point. As with the C
+ * library, a minus sign before an unsigned or hexadecimal number negates it
+ * modulo 2^32 (-1 reads as FFFFFFFF). True when *value was set; false at end
+ * of input, with *value unchanged. */
 bool ReadUnsigned(uint32_t *pu32Value, const char *sPromptFormat, ...) __attribute__((format(printf, 2, 3)));
 bool ReadSigned(int32_t *pi32Value, const char *sPromptFormat, ...) __attribute__((format(printf, 2, 3)));
 bool ReadHex(uint32_t *pu32Value, const char *sPromptFormat, ...) __attribute__((format(printf, 2, 3)));

@@ -1,7 +1,9 @@
 #include <gtest/gtest.h>
 
 #include <cstring>
+#include <functional>
 #include <string>
+#include <vector>
 
 #include "console.h"
 #include "console_capture.h"
@@ -125,6 +127,67 @@ TEST(Readers, TextThatIsNotANumberAsksTheSamePromptAgain)
               "    Value (hex) ? \nNot a number. Please enter a hexadecimal number.\n"
               "    Value (hex) ? ");
     EXPECT_EQ(value, 0x12u);
+}
+
+// Each answer is tried once per line: the reader's verdict, then the value
+// it settles on from the last line.
+TEST(Readers, RefuseNumbersThatDoNotFitOrCarryTrailingText)
+{
+    struct Case {
+        std::string input;
+        std::function<bool(std::string &)> read;  // reads and renders the value
+        std::vector<std::string> refusals;        // the refusal lines, in order
+        std::string value;
+    };
+    auto unsignedValue = [](std::string &text) {
+        uint32_t value = 0;
+        bool read = ReadUnsigned(&value, "> ");
+        text = std::to_string(value);
+        return read;
+    };
+    auto signedValue = [](std::string &text) {
+        int32_t value = 0;
+        bool read = ReadSigned(&value, "> ");
+        text = std::to_string(value);
+        return read;
+    };
+    auto hexValue = [](std::string &text) {
+        uint32_t value = 0;
+        bool read = ReadHex(&value, "> ");
+        text = std::to_string(value);
+        return read;
+    };
+    auto doubleValue = [](std::string &text) {
+        double value = 0;
+        bool read = ReadDouble(&value, "> ");
+        text = std::to_string(value);
+        return read;
+    };
+    const std::string notUnsigned = "\nNot a number. Please enter an unsigned decimal number.\n";
+    const std::string bigUnsigned = "\nOut of range. Please enter an unsigned decimal number up to 4294967295.\n";
+    const std::string bigSigned = "\nOut of range. Please enter a decimal number from -2147483648 to 2147483647.\n";
+    const std::string bigHex = "\nOut of range. Please enter a hexadecimal number up to FFFFFFFF.\n";
+    const std::vector<Case> cases = {
+        {"4294967296\n4294967295\n", unsignedValue, {bigUnsigned}, "4294967295"},
+        {"12abc\n0x1F\n- 5\n-5\n", unsignedValue, {notUnsigned, notUnsigned, notUnsigned}, "4294967291"},
+        {std::string(70, '1') + "\n7\n", unsignedValue, {notUnsigned}, "7"},
+        {"2147483648\n-2147483649\n-2147483648\n", signedValue, {bigSigned, bigSigned}, "-2147483648"},
+        {"1FFFFFFFF\n0x7E1A0D5D\n", hexValue, {bigHex}, "2115636573"},
+        {"-1\n", hexValue, {}, "4294967295"},
+        {"1e999\n0x1p-2\n", doubleValue, {"\nOut of range. Please enter a number within the range of a double.\n"},
+         "0.250000"},
+    };
+    for (const Case &c : cases) {
+        std::string value;
+        bool read = false;
+        std::string output = RunWithInput(c.input, [&] { read = c.read(value); });
+        std::string expected;
+        for (const std::string &refusal : c.refusals)
+            expected += "> " + refusal;
+        EXPECT_TRUE(read) << c.input;
+        EXPECT_EQ(output, expected + "> ") << c.input;
+        EXPECT_EQ(value, c.value) << c.input;
+    }
 }
 
 TEST(Readers, EndOfInputAbandonsWithOneLineAndLeavesTheValue)
