@@ -15,7 +15,7 @@
 #include "Options.h"
 #include "Receiver.h"
 #include "Rfic.h"
-#include "Spectrum.h"
+#include "RxSpectrum.h"
 #include "Status.h"
 #include "Thermal.h"
 #include "Transmitters.h"
@@ -56,7 +56,7 @@ public:
     Rfic rfic;
     Thermal thermal;
     AnalogIo analog;
-    Spectrum spectrum;
+    RxSpectrum spectrum;
     VersionInfo versions;
     EchoLink echo;
     Dsd dsd;

@@ -7,7 +7,7 @@
 using q7sim::Device;
 using q7sim::Dispatch;
 using q7sim::Requires;
-using q7sim::Spectrum;
+using q7sim::RxSpectrum;
 using q7sim::Status;
 
 extern "C" {
@@ -81,7 +81,7 @@ ApiStatus Q7_ResetRxSpectrum(CalInterfaceHandle hCal, uint32_t u32AlphaShift, ui
 ApiStatus Q7_GetRxSpectrum(CalInterfaceHandle hCal, uint32_t u32Capacity, double *pdSpectrum, uint32_t *pu32Length)
 {
     return Dispatch(hCal, __func__, Requires::Connection, [&](Device &device) {
-        bool signal = Spectrum::SignalInChannel(device.modes.band(), device.modes.mode(), device.Transmitting());
+        bool signal = RxSpectrum::SignalInChannel(device.modes.band(), device.modes.mode(), device.Transmitting());
         return device.spectrum.Capture(device.modes.band().bandwidthKHz, signal, u32Capacity, pdSpectrum,
                                        *pu32Length);
     });

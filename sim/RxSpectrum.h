@@ -2,8 +2,8 @@
 // averaged by an IIR filter with alpha = 2^-shift, in dB. The bins run from
 // the lowest frequency of the channel to the highest: left guard band,
 // occupied subcarriers with the unused DC bin in the middle, right guard band.
-#ifndef Q7SIM_SPECTRUM_H
-#define Q7SIM_SPECTRUM_H
+#ifndef Q7SIM_RXSPECTRUM_H
+#define Q7SIM_RXSPECTRUM_H
 
 #include <cstdint>
 #include <optional>
@@ -14,7 +14,7 @@
 
 namespace q7sim {
 
-class Spectrum {
+class RxSpectrum {
 public:
     static constexpr uint32_t kMaxAlphaShift = 16;
     // Symbols of a 5 ms frame; symbol 0 is the preamble.

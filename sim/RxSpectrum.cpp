@@ -1,11 +1,11 @@
-#include "Spectrum.h"
+#include "RxSpectrum.h"
 
 #include <algorithm>
 #include <cmath>
 
 namespace q7sim {
 
-Spectrum::Layout Spectrum::LayoutFor(uint32_t bandwidthKHz)
+RxSpectrum::Layout RxSpectrum::LayoutFor(uint32_t bandwidthKHz)
 {
     // 512-point FFT up to 5 MHz, 1024-point above.
     if (bandwidthKHz <= 5000)
@@ -13,14 +13,14 @@ Spectrum::Layout Spectrum::LayoutFor(uint32_t bandwidthKHz)
     return Layout{1024, 92, 91};
 }
 
-bool Spectrum::SignalInChannel(const BandConfig &band, const DeviceMode &mode, bool transmitting)
+bool RxSpectrum::SignalInChannel(const BandConfig &band, const DeviceMode &mode, bool transmitting)
 {
     const bool tunedToTestSignal = band.centerFreqKHz == ModeControl::kFactoryBand.centerFreqKHz &&
                                    band.bandwidthKHz == ModeControl::kFactoryBand.bandwidthKHz;
     return tunedToTestSignal || (mode.dutMode == kDutLoopback && transmitting);
 }
 
-Status Spectrum::Reset(uint32_t alphaShift, uint32_t symbolIndex)
+Status RxSpectrum::Reset(uint32_t alphaShift, uint32_t symbolIndex)
 {
     if (alphaShift > kMaxAlphaShift)
         return Status::Errorf("IIR filter alpha shift %u is out of range (0-%u)", alphaShift, kMaxAlphaShift);
@@ -32,7 +32,7 @@ Status Spectrum::Reset(uint32_t alphaShift, uint32_t symbolIndex)
     return Status::Ok();
 }
 
-Status Spectrum::Capture(uint32_t bandwidthKHz, bool signalPresent, uint32_t capacity, double *bins,
+Status RxSpectrum::Capture(uint32_t bandwidthKHz, bool signalPresent, uint32_t capacity, double *bins,
                          uint32_t &length)
 {
     if (!armed_)
