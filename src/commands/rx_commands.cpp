@@ -45,11 +45,14 @@ int TestGetRxAntConfig(CalInterfaceHandle hCal)
 
 int TestSetRxAntConfig(CalInterfaceHandle hCal)
 {
-    /* The guidance line belongs to the prompt, so a repeated prompt shows it again. */
-    return SetUnsignedCommand(hCal, "\nSetRxAntConfig:",
-                              "Rx ant config: 0 = Rx1 only; 1 = Rx2 only; 2 = Rx1+Rx2\n"
-                              "    Rx antenna configuration ? ",
-                              Q7_SetRxAntConfig, "SetRxAntConfig");
+    uint32_t u32RxAntConfig = 0;
+
+    if (!BeginCommand(hCal, "\nSetRxAntConfig:"))
+        return -1;
+    puts("Rx ant config: 0 = Rx1 only; 1 = Rx2 only; 2 = Rx1+Rx2");
+    if (!ReadUnsigned(&u32RxAntConfig, "    Rx antenna configuration ? "))
+        return -1;
+    return ReportOutcome(Q7_SetRxAntConfig(hCal, u32RxAntConfig), "SetRxAntConfig");
 }
 
 int TestIsSync(CalInterfaceHandle hCal)
