@@ -91,6 +91,7 @@ const MenuItem MenuEntry[] = {
 
     {"Test Commands", "Echo test", TestEchoTest},
     {NULL, "Sleep function accuracy test", SleepAccuracyTest},
+    {NULL, "NVM Mode test", NvmModeTest},
 
     {NULL, NULL, NULL},
 };
