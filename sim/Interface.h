@@ -55,9 +55,6 @@ ApiStatus Dispatch(CalInterfaceHandle handle, const char *name, Requires require
     return status.ok() ? nullptr : itf->Fail(status.text());
 }
 
-// The answer of an operation whose part of the device is not modelled yet.
-ApiStatus NotSupportedYet(CalInterfaceHandle handle, const char *name);
-
 }  // namespace q7sim
 
 #endif
