@@ -158,8 +158,9 @@ ApiStatus Q7_InitializeFlash(CalInterfaceHandle hCal, uint32_t u32DesiredSectorS
 
 ApiStatus Q7_ReadDSDBytes(CalInterfaceHandle hCal, uint8_t *pu8Dest, uint32_t u32ByteCount, uint32_t u32Address)
 {
-    return Dispatch(hCal, __func__, Requires::Connection, [&](Device &device) {
-        std::optional<DataFault> fault = Faults().TakeDataFault(__func__);
+    const char *operation = __func__;  // __func__ inside a lambda names the lambda
+    return Dispatch(hCal, operation, Requires::Connection, [&](Device &device) {
+        std::optional<DataFault> fault = Faults().TakeDataFault(operation);
         Status status = device.dsd.Read(device.DsdTarget(), pu8Dest, u32ByteCount, u32Address);
         if (status.ok() && fault)
             fault->ApplyToRead(pu8Dest, u32ByteCount);
@@ -177,8 +178,9 @@ ApiStatus Q7_GetDSDRegionSizeByID(CalInterfaceHandle hCal, int32_t i32RegionID, 
 ApiStatus Q7_ReadDSDRegionByID(CalInterfaceHandle hCal, int32_t i32RegionID, uint32_t u32BufferSize,
                                uint8_t *pu8Dest, uint32_t *pu32Returned)
 {
-    return Dispatch(hCal, __func__, Requires::Connection, [&](Device &device) {
-        std::optional<DataFault> fault = Faults().TakeDataFault(__func__);
+    const char *operation = __func__;  // __func__ inside a lambda names the lambda
+    return Dispatch(hCal, operation, Requires::Connection, [&](Device &device) {
+        std::optional<DataFault> fault = Faults().TakeDataFault(operation);
         Status status = device.dsd.ReadRegion(device.DsdTarget(), i32RegionID, u32BufferSize, pu8Dest, pu32Returned);
         if (status.ok() && fault)
             fault->ApplyToRead(pu8Dest, *pu32Returned);
@@ -200,9 +202,10 @@ uint32_t Q7_RequestDSDWriteKey(CalInterfaceHandle hCal)
 ApiStatus Q7_WriteDSDBytes(CalInterfaceHandle hCal, uint32_t u32Key, const uint8_t *pu8Source, uint32_t u32ByteCount,
                            uint32_t u32Address, uint32_t *pu32Written)
 {
-    return Dispatch(hCal, __func__, Requires::Connection, [&](Device &device) {
+    const char *operation = __func__;  // __func__ inside a lambda names the lambda
+    return Dispatch(hCal, operation, Requires::Connection, [&](Device &device) {
         DsdArea area = device.DsdTarget();
-        return KeyedWrite(device, __func__, u32Key, area, pu32Written, [&](uint32_t *written) {
+        return KeyedWrite(device, operation, u32Key, area, pu32Written, [&](uint32_t *written) {
             return device.dsd.Write(area, pu8Source, u32ByteCount, u32Address, written);
         });
     });
@@ -213,13 +216,14 @@ ApiStatus Q7_WriteFlash2xBytesWithHeader(CalInterfaceHandle hCal, uint32_t u32Ke
                                          const Flash2xBytesWithHeader *pHeader, uint32_t u32HeaderWords,
                                          uint32_t u32WriteMode, uint32_t *pu32Written)
 {
-    return Dispatch(hCal, __func__, Requires::Connection, [&](Device &device) {
+    const char *operation = __func__;  // __func__ inside a lambda names the lambda
+    return Dispatch(hCal, operation, Requires::Connection, [&](Device &device) {
         uint32_t nvmMode = device.options.nvmMode();
         if (nvmMode != Dsd::kNvmModeDirect)
             return Status::Errorf("Flash 2.x image writes need NVM mode 0: NVM mode %u addresses the DSD buffer",
                                   nvmMode);
         DsdArea area = device.DsdTarget();
-        return KeyedWrite(device, __func__, u32Key, area, pu32Written, [&](uint32_t *written) {
+        return KeyedWrite(device, operation, u32Key, area, pu32Written, [&](uint32_t *written) {
             return device.dsd.WriteFlash2xImage(area, pu8Data, u32Size, u32FlashOffset, pHeader, u32HeaderWords,
                                                 u32WriteMode, written);
         });
@@ -229,9 +233,10 @@ ApiStatus Q7_WriteFlash2xBytesWithHeader(CalInterfaceHandle hCal, uint32_t u32Ke
 ApiStatus Q7_WriteDSDRegionByID(CalInterfaceHandle hCal, uint32_t u32Key, int32_t i32RegionID, uint32_t u32ByteCount,
                                 const uint8_t *pu8Source, uint32_t *pu32Written)
 {
-    return Dispatch(hCal, __func__, Requires::Connection, [&](Device &device) {
+    const char *operation = __func__;  // __func__ inside a lambda names the lambda
+    return Dispatch(hCal, operation, Requires::Connection, [&](Device &device) {
         DsdArea area = device.DsdTarget();
-        return KeyedWrite(device, __func__, u32Key, area, pu32Written, [&](uint32_t *written) {
+        return KeyedWrite(device, operation, u32Key, area, pu32Written, [&](uint32_t *written) {
             return device.dsd.WriteRegion(area, i32RegionID, u32ByteCount, pu8Source, written);
         });
     });
