@@ -5,7 +5,7 @@ namespace q7sim {
 uint32_t WriteKeys::Issue(uint64_t nowUs)
 {
     uint32_t key = 0;
-    while (key == 0 || key == used_ || key == issued_)
+    while (key == 0 || key == issued_ || used_.count(key) != 0)
         key = static_cast<uint32_t>(rng_());
     issued_ = key;
     issuedAtUs_ = nowUs;
@@ -21,14 +21,14 @@ Status WriteKeys::Check(uint32_t key, uint64_t nowUs, uint32_t lifetimeMs) const
             return Status::Errorf("DSD write key %08X has expired (lifetime %u ms)", key, lifetimeMs);
         return Status::Ok();
     }
-    if (key == used_)
+    if (used_.count(key) != 0)
         return Status::Errorf("DSD write key %08X has already been used: each key is good for one write", key);
     return Status::Errorf("DSD write key %08X was not issued by the device", key);
 }
 
 void WriteKeys::Consume()
 {
-    used_ = issued_;
+    used_.insert(issued_);
     issued_ = 0;
 }
 

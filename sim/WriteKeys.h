@@ -7,6 +7,7 @@
 
 #include <cstdint>
 #include <random>
+#include <set>
 
 #include "Status.h"
 
@@ -25,7 +26,7 @@ private:
     std::mt19937 rng_{0x7E1A0D5Du};
     uint32_t issued_ = 0;  // 0: no key outstanding
     uint64_t issuedAtUs_ = 0;
-    uint32_t used_ = 0;
+    std::set<uint32_t> used_;  // never issued again
 };
 
 }  // namespace q7sim
