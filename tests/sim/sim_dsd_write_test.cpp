@@ -16,13 +16,6 @@ using q7sim::Nvm;
 
 class SimDsdWriteTest : public SimulatedDeviceTest {
 protected:
-    std::vector<uint8_t> Read(uint32_t address, uint32_t count)
-    {
-        std::vector<uint8_t> bytes(count);
-        EXPECT_EQ(Text(Q7_ReadDSDBytes(hCal, bytes.data(), count, address)), "(success)");
-        return bytes;
-    }
-
     std::string Write(uint32_t key, std::vector<uint8_t> bytes, uint32_t address, uint32_t *written = nullptr)
     {
         uint32_t count = 0;
@@ -69,7 +62,7 @@ TEST_F(SimDsdWriteTest, AKeyIsRandomNonzeroAndGoodForOneWrite)
     EXPECT_EQ(Write(second, {1, 2}, 0x100), "(success)") << "a refused key leaves the issued key good";
     std::snprintf(text, sizeof text, "DSD write key %08X has already been used: each key is good for one write", second);
     EXPECT_EQ(Write(second, {3, 4}, 0x100), text);
-    EXPECT_EQ(Read(0x100, 2), (std::vector<uint8_t>{1, 2}));
+    EXPECT_EQ(ReadDsd(0x100, 2), (std::vector<uint8_t>{1, 2}));
 
     // A write that fails for another reason leaves the key unused.
     uint32_t key = Q7_RequestDSDWriteKey(hCal);
@@ -82,7 +75,7 @@ TEST_F(SimDsdWriteTest, AKeyExpiresAfterItsLifetimeInDeviceTime)
     ASSERT_EQ(Q7_SetOptionByID(hCal, 5, 100), nullptr);  // 100 ms: 20 operations of 5 ms
     uint32_t key = Q7_RequestDSDWriteKey(hCal);
     for (int i = 0; i < 20; i++)
-        Read(0, 1);
+        ReadDsd(0, 1);
     char text[128];
     std::snprintf(text, sizeof text, "DSD write key %08X has expired (lifetime 100 ms)", key);
     EXPECT_EQ(Write(key, {1}, 0x100), text);
@@ -151,8 +144,8 @@ TEST_F(SimDsdWriteTest, AFlash2xWriteLaysOutDataGapAndHeaderInTheNvmOnly)
     q7sim::Flash2xHeader stored = device().dsd.nvm.Header(0);
     EXPECT_EQ(stored.imageSize, 4096u);
     EXPECT_EQ(stored.priority, 3u);
-    EXPECT_EQ(Read(65532, 4), (std::vector<uint8_t>{0x7E, 0x1A, 0x0D, 0x5D}));
-    EXPECT_EQ(Read(0x110, 4), std::vector<uint8_t>(4, 0xFF));
+    EXPECT_EQ(ReadDsd(65532, 4), (std::vector<uint8_t>{0x7E, 0x1A, 0x0D, 0x5D}));
+    EXPECT_EQ(ReadDsd(0x110, 4), std::vector<uint8_t>(4, 0xFF));
 
     uint32_t key = Q7_RequestDSDWriteKey(hCal);
     EXPECT_EQ(Text(Q7_WriteFlash2xBytesWithHeader(hCal, key, data.data(), 16, 0xFFF8, &header, 3, 1, &written)),
@@ -168,26 +161,26 @@ TEST_F(SimDsdWriteTest, AFlash2xWriteLaysOutDataGapAndHeaderInTheNvmOnly)
 
 TEST_F(SimDsdWriteTest, DataFaultsActOnTheCallTheyArePlannedFor)
 {
-    std::vector<uint8_t> before = Read(0x100, 4);
+    std::vector<uint8_t> before = ReadDsd(0x100, 4);
     q7sim::control::FlipBitOnRead("Q7_ReadDSDBytes", 2, 5, 0x80);
-    EXPECT_EQ(Read(0x100, 4), before);
+    EXPECT_EQ(ReadDsd(0x100, 4), before);
     std::vector<uint8_t> flipped = before;
     flipped[1] ^= 0x80;  // byte 5 of 4
-    EXPECT_EQ(Read(0x100, 4), flipped);
-    EXPECT_EQ(Read(0x100, 4), before) << "the store itself is untouched";
+    EXPECT_EQ(ReadDsd(0x100, 4), flipped);
+    EXPECT_EQ(ReadDsd(0x100, 4), before) << "the store itself is untouched";
 
     uint32_t written = 0;
     q7sim::control::IgnoreWrite("Q7_WriteDSDBytes", 1);
     EXPECT_EQ(Write(Q7_RequestDSDWriteKey(hCal), {1, 2, 3, 4}, 0x100, &written), "(success)");
     EXPECT_EQ(written, 4u);
-    EXPECT_EQ(Read(0x100, 4), before);
+    EXPECT_EQ(ReadDsd(0x100, 4), before);
 
     q7sim::control::StopWriteAfter("Q7_WriteDSDBytes", 1, 2);
     std::vector<uint8_t> data = {static_cast<uint8_t>(~before[0]), static_cast<uint8_t>(~before[1]),
                                  static_cast<uint8_t>(~before[2]), static_cast<uint8_t>(~before[3])};
     EXPECT_EQ(Write(Q7_RequestDSDWriteKey(hCal), data, 0x100, &written), "(success)");
     EXPECT_EQ(written, 2u);
-    EXPECT_EQ(Read(0x100, 4), (std::vector<uint8_t>{data[0], data[1], before[2], before[3]}));
+    EXPECT_EQ(ReadDsd(0x100, 4), (std::vector<uint8_t>{data[0], data[1], before[2], before[3]}));
 
     q7sim::control::FailCall("Q7_WriteDSDBytes", 2, "NVM write failed");
     EXPECT_EQ(Write(Q7_RequestDSDWriteKey(hCal), {7}, 0x100), "(success)");

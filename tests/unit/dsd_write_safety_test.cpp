@@ -177,16 +177,6 @@ protected:
         ASSERT_EQ(Q7_SelectCurrentDSDSection(hCal, r.section), nullptr);
     }
 
-    std::vector<uint8_t> Store()
-    {
-        std::vector<uint8_t> store;
-        for (uint32_t section = 0; section < Nvm::kSectionCount; section++)
-            store.insert(store.end(), device().dsd.nvm.Section(section),
-                         device().dsd.nvm.Section(section) + Nvm::kSectionSize);
-        store.insert(store.end(), device().dsd.buffer(), device().dsd.buffer() + q7sim::Dsd::kBufferSize);
-        return store;
-    }
-
     void ArmFault(const Request &r)
     {
         namespace control = q7sim::control;
@@ -228,7 +218,7 @@ protected:
 TEST_F(DsdWriteSafetyTest, EveryStoreHoldsItsOriginalOrTheWrittenDataAndAnyChangeIsReported)
 {
     std::mt19937 rng(20240611u);
-    const std::vector<uint8_t> factory = Store();
+    const std::vector<uint8_t> factory = DsdStores();
     for (int i = 0; i < 300; i++) {
         Request r = RandomRequest(rng);
 
@@ -237,15 +227,15 @@ TEST_F(DsdWriteSafetyTest, EveryStoreHoldsItsOriginalOrTheWrittenDataAndAnyChang
         Prepare(r, factory);
         std::srand(r.seed);
         RunHandler(r.Handler(), hCal, r.Script(false, false, true));
-        std::vector<uint8_t> written = Store();
+        std::vector<uint8_t> written = DsdStores();
 
         Prepare(r, factory);
-        std::vector<uint8_t> original = Store();
+        std::vector<uint8_t> original = DsdStores();
         ArmFault(r);
         std::srand(r.seed);
         std::string script = r.Script(r.restore, r.verify, r.autoKey);
         HandlerRun run = RunHandler(r.Handler(), hCal, script);
-        std::vector<uint8_t> after = Store();
+        std::vector<uint8_t> after = DsdStores();
 
         SCOPED_TRACE("request " + std::to_string(i) + ", fault " + kFaultNames[static_cast<int>(r.fault)] +
                      ", NVM mode " + std::to_string(r.nvmMode) + ", section " + std::to_string(r.section) +

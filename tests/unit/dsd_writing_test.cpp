@@ -14,24 +14,6 @@ using q7sim::Nvm;
 
 class DsdWritingTest : public SimulatedDeviceTest {
 protected:
-    // Every DSD store of the device: the three NVM sections, then the DSD buffer.
-    std::vector<uint8_t> Store()
-    {
-        std::vector<uint8_t> store;
-        for (uint32_t section = 0; section < Nvm::kSectionCount; section++)
-            store.insert(store.end(), device().dsd.nvm.Section(section),
-                         device().dsd.nvm.Section(section) + Nvm::kSectionSize);
-        store.insert(store.end(), device().dsd.buffer(), device().dsd.buffer() + q7sim::Dsd::kBufferSize);
-        return store;
-    }
-
-    std::vector<uint8_t> Read(uint32_t address, uint32_t count)
-    {
-        std::vector<uint8_t> bytes(count);
-        EXPECT_EQ(Text(Q7_ReadDSDBytes(hCal, bytes.data(), count, address)), "(success)");
-        return bytes;
-    }
-
     std::vector<uint8_t> Region(int32_t id)
     {
         uint32_t size = 0;
@@ -69,12 +51,12 @@ TEST_F(DsdWritingTest, EveryWriteWithVerifyAndRestoreLeavesEveryStoreAsItWas)
     };
     for (const Case &c : cases) {
         SetNvmMode(c.nvmMode);
-        std::vector<uint8_t> before = Store();
+        std::vector<uint8_t> before = DsdStores();
         HandlerRun run = RunHandler(c.handler, hCal, c.input);
         EXPECT_EQ(run.result, 0) << c.input << run.output;
         EXPECT_TRUE(EndsWith(run.output, "\n" + std::string(c.success) + " was SUCCESSFUL.\n")) << run.output;
         EXPECT_TRUE(Contains(run.output, "\n0 verify errors.\n")) << run.output;
-        EXPECT_TRUE(Store() == before) << c.success << " with " << c.input;
+        EXPECT_TRUE(DsdStores() == before) << c.success << " with " << c.input;
     }
 }
 
@@ -82,12 +64,12 @@ TEST_F(DsdWritingTest, WritesWithoutRestoreReadBackAsWritten)
 {
     // Increments wrap modulo 2^32 for words and keep the low 8 bits for bytes.
     ASSERT_EQ(RunHandler(TestWriteDSDBlock, hCal, "200\n4\n1\n0\n2\nFFFFFFFE\n1\n0\n").result, 0);
-    EXPECT_EQ(Read(0x200, 16), (std::vector<uint8_t>{0xFE, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0, 0, 0, 0, 1,
+    EXPECT_EQ(ReadDsd(0x200, 16), (std::vector<uint8_t>{0xFE, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0, 0, 0, 0, 1,
                                                       0, 0, 0}));
     ASSERT_EQ(RunHandler(TestWriteDSDBytes, hCal, "300\n4\n1\n0\n2\nFE\n1\n0\n").result, 0);
-    EXPECT_EQ(Read(0x300, 4), (std::vector<uint8_t>{0xFE, 0xFF, 0x00, 0x01}));
+    EXPECT_EQ(ReadDsd(0x300, 4), (std::vector<uint8_t>{0xFE, 0xFF, 0x00, 0x01}));
     ASSERT_EQ(RunHandler(TestWriteDSDBytes, hCal, "310\n2\n1\n0\n0\n1A5\n7\n0\n").result, 0);
-    EXPECT_EQ(Read(0x310, 2), (std::vector<uint8_t>{0xA5, 0x07}));
+    EXPECT_EQ(ReadDsd(0x310, 2), (std::vector<uint8_t>{0xA5, 0x07}));
 
     // Region 4 keeps its first three bytes; the rest past the bytes written reads 0.
     std::vector<uint8_t> before = Region(4);
@@ -108,11 +90,11 @@ TEST_F(DsdWritingTest, WritesWithoutRestoreReadBackAsWritten)
 
 TEST_F(DsdWritingTest, TheFlash2xImageHoldsTheDataTheGapAndTheBigEndianHeader)
 {
-    std::vector<uint8_t> before = Read(0, 65536);
+    std::vector<uint8_t> before = ReadDsd(0, 65536);
     HandlerRun run = RunHandler(TestWriteFlash2xBytesWithHeader, hCal, "100\n16\n1\n4\n3\n1\n0\n3\n5A\n1\n");
     ASSERT_EQ(run.result, 0) << run.output;
     EXPECT_TRUE(Contains(run.output, "\nRead 65536 bytes from dev data memory\n\n    Data pattern")) << run.output;
-    std::vector<uint8_t> image = Read(0, 65536);
+    std::vector<uint8_t> image = ReadDsd(0, 65536);
     EXPECT_TRUE(std::equal(image.begin(), image.begin() + 256, before.begin()));
     EXPECT_EQ(std::vector<uint8_t>(image.begin() + 256, image.begin() + 272), std::vector<uint8_t>(16, 0x5A));
     EXPECT_EQ(std::vector<uint8_t>(image.begin() + 272, image.begin() + 64512), std::vector<uint8_t>(64240, 0xFF));
@@ -125,14 +107,14 @@ TEST_F(DsdWritingTest, TheFlash2xImageHoldsTheDataTheGapAndTheBigEndianHeader)
     EXPECT_EQ(header, expected);
 
     // Write mode 2 keeps the gap as the image held it.
-    before = image = Read(0, 65536);
+    before = image = ReadDsd(0, 65536);
     std::memset(before.data() + 0x2000, 0x11, 0x100);
     uint32_t written = 0;
     ASSERT_EQ(Q7_WriteDSDBytes(hCal, Q7_RequestDSDWriteKey(hCal), before.data() + 0x2000, 0x100, 0x2000, &written),
               nullptr);
     run = RunHandler(TestWriteFlash2xBytesWithHeader, hCal, "100\n16\n2\n4\n3\n1\n0\n3\n5A\n1\n");
     ASSERT_EQ(run.result, 0) << run.output;
-    image = Read(0, 65536);
+    image = ReadDsd(0, 65536);
     EXPECT_TRUE(std::equal(image.begin() + 272, image.begin() + 64512, before.begin() + 272));
 }
 
@@ -145,7 +127,7 @@ TEST_F(DsdWritingTest, AFlash2xBlockThatReachesIntoTheHeaderIsReportedAndNeverRe
     EXPECT_TRUE(Contains(run.output, "\n\n0 verify errors.\n\nRestoring original DSD values ... \n"));
 
     // One byte into it: the header laid out after the data overwrites that byte.
-    std::vector<uint8_t> before = Store();
+    std::vector<uint8_t> before = DsdStores();
     run = RunHandler(TestWriteFlash2xBytesWithHeader, hCal, "1\n64512\n1\n32\n10\n1\n1\n3\nC3\n1\n");
     EXPECT_EQ(run.result, -1);
     EXPECT_TRUE(EndsWith(run.output,
@@ -154,12 +136,12 @@ TEST_F(DsdWritingTest, AFlash2xBlockThatReachesIntoTheHeaderIsReportedAndNeverRe
                          "\n\n1 verify errors.\n"
                          "\nWARNING: Original data not restored, because verify error count > 0.\n"))
         << run.output;
-    EXPECT_FALSE(Store() == before) << "the unrestored image was reported";
+    EXPECT_FALSE(DsdStores() == before) << "the unrestored image was reported";
 }
 
 TEST_F(DsdWritingTest, SizesBeyondTheBufferOrTheImageAreRefusedBeforeTheDeviceIsAsked)
 {
-    std::vector<uint8_t> before = Store();
+    std::vector<uint8_t> before = DsdStores();
     q7sim::control::FailNext("Q7_RequestDSDWriteKey", 1, "key request reached the device");
     q7sim::control::FailNext("Q7_ReadDSDBytes", 1, "read reached the device");
 
@@ -177,7 +159,7 @@ TEST_F(DsdWritingTest, SizesBeyondTheBufferOrTheImageAreRefusedBeforeTheDeviceIs
     EXPECT_EQ(Q7_RequestDSDWriteKey(hCal), 0u) << "no key was requested";
     uint8_t byte = 0;
     EXPECT_STREQ(Q7_ReadDSDBytes(hCal, &byte, 1, 0), "read reached the device");
-    EXPECT_TRUE(Store() == before);
+    EXPECT_TRUE(DsdStores() == before);
 }
 
 TEST_F(DsdWritingTest, ABlockVerifyErrorIsReportedWordByWordAndWithholdsTheRestoreSilently)
@@ -199,7 +181,7 @@ TEST_F(DsdWritingTest, ABlockVerifyErrorIsReportedWordByWordAndWithholdsTheResto
               "\n    Verify write     (1=yes/0=no) ? "
               "\n00000104: Wrote 12345678 - Read back 12345679 - Verify ERROR"
               "\n1 verify errors.\n");
-    EXPECT_EQ(Read(0x100, 8), (std::vector<uint8_t>{0x78, 0x56, 0x34, 0x12, 0x78, 0x56, 0x34, 0x12}));
+    EXPECT_EQ(ReadDsd(0x100, 8), (std::vector<uint8_t>{0x78, 0x56, 0x34, 0x12, 0x78, 0x56, 0x34, 0x12}));
 }
 
 TEST_F(DsdWritingTest, AByteVerifyErrorIsReportedAndTheRestoreWithheldWithAWarning)
@@ -224,7 +206,7 @@ TEST_F(DsdWritingTest, AByteVerifyErrorIsReportedAndTheRestoreWithheldWithAWarni
               "\nRead back [00000003] = AA - Expected [00000003] = AB - Verify ERROR\n"
               "\n\n1 verify errors.\n"
               "\nWARNING: Original data not restored, because verify error count > 0.\n");
-    EXPECT_EQ(Read(0x200, 4), std::vector<uint8_t>(4, 0xAB));
+    EXPECT_EQ(ReadDsd(0x200, 4), std::vector<uint8_t>(4, 0xAB));
 }
 
 TEST_F(DsdWritingTest, HeaderFieldsCountFourErrorsAndFillerBytesOne)
@@ -246,7 +228,7 @@ TEST_F(DsdWritingTest, HeaderFieldsCountFourErrorsAndFillerBytesOne)
 
 TEST_F(DsdWritingTest, ARegionVerifyErrorStillLetsTheRegionBeRestored)
 {
-    std::vector<uint8_t> before = Store();
+    std::vector<uint8_t> before = DsdStores();
     std::string size = std::to_string(Region(7).size());
     q7sim::control::FlipBitOnRead("Q7_ReadDSDRegionByID", 2, 20, 0x01);  // in the zeroed rest
     HandlerRun run = RunHandler(TestWriteDSDRegionByID, hCal, "7\n1\n10\n1\n1\n");
@@ -267,7 +249,7 @@ TEST_F(DsdWritingTest, ARegionVerifyErrorStillLetsTheRegionBeRestored)
               "\n    Restore contents (1=yes/0=no) ? "
               "\nRestoring original DSD values ... \n"
               "\n    Number of bytes actually written = " + size + "\n");
-    EXPECT_TRUE(Store() == before);
+    EXPECT_TRUE(DsdStores() == before);
 }
 
 TEST_F(DsdWritingTest, ARegion4ShorterThanItsKeptBytesKeepsOnlyWhatItHolds)
@@ -304,7 +286,7 @@ TEST_F(DsdWritingTest, KeysComeFromTheDeviceOrAreTypedAndARefusedKeyWritesNothin
     run = RunHandler(TestWriteDSDBlock, hCal, input);
     EXPECT_EQ(run.result, 0) << run.output;
     EXPECT_TRUE(Contains(run.output, "    DSD Key (hex)     ? ")) << run.output;
-    std::vector<uint8_t> before = Store();
+    std::vector<uint8_t> before = DsdStores();
     run = RunHandler(TestWriteDSDBlock, hCal, input);
     EXPECT_EQ(run.result, -1);
     EXPECT_TRUE(EndsWith(run.output, "\nWRITE ERROR: DSD write key " + std::string(typed) +
@@ -317,32 +299,32 @@ TEST_F(DsdWritingTest, KeysComeFromTheDeviceOrAreTypedAndARefusedKeyWritesNothin
     EXPECT_EQ(run.result, -1);
     EXPECT_TRUE(EndsWith(run.output, "\nWRITE ERROR: DSD write key 00000000 is not a key: request one with "
                                      "Q7_RequestDSDWriteKey\n"));
-    EXPECT_TRUE(Store() == before);
+    EXPECT_TRUE(DsdStores() == before);
 }
 
 TEST_F(DsdWritingTest, FailuresEndTheCommandAndSayWhatTheStoreHolds)
 {
     // A failed read of the original: nothing is written.
-    std::vector<uint8_t> before = Store();
+    std::vector<uint8_t> before = DsdStores();
     q7sim::control::FailNext("Q7_ReadDSDBytes", 1, "NVM read timed out");
     HandlerRun run = RunHandler(TestWriteDSDBlock, hCal, "100\n2\n1\n1\n");
     EXPECT_EQ(run.result, -1);
     EXPECT_TRUE(EndsWith(run.output, "\n    Restore contents (1=yes/0=no) ? \nREAD ERROR: NVM read timed out\n"));
-    EXPECT_TRUE(Store() == before);
+    EXPECT_TRUE(DsdStores() == before);
 
     // A failed verification read of a byte write follows its count line.
     q7sim::control::FailCall("Q7_ReadDSDBytes", 2, "NVM read timed out");
     run = RunHandler(TestWriteDSDBytes, hCal, "100\n4\n1\n1\n3\n77\n1\n");
     EXPECT_EQ(run.result, -1);
     EXPECT_TRUE(EndsWith(run.output, "\nRead 4 bytes from dev data memory\n\nREAD ERROR: NVM read timed out\n"));
-    EXPECT_EQ(Read(0x100, 4), std::vector<uint8_t>(4, 0x77)) << "nothing is restored";
+    EXPECT_EQ(ReadDsd(0x100, 4), std::vector<uint8_t>(4, 0x77)) << "nothing is restored";
 
     // A failed restore leaves the new data, and says so.
     q7sim::control::FailCall("Q7_WriteDSDBytes", 2, "NVM write failed");
     run = RunHandler(TestWriteDSDBlock, hCal, "200\n1\n1\n1\n3\nCAFEF00D\n0\n");
     EXPECT_EQ(run.result, -1);
     EXPECT_TRUE(EndsWith(run.output, "\nRestoring original DSD  values ... \n\nWRITE ERROR: NVM write failed\n"));
-    EXPECT_EQ(Read(0x200, 4), (std::vector<uint8_t>{0x0D, 0xF0, 0xFE, 0xCA}));
+    EXPECT_EQ(ReadDsd(0x200, 4), (std::vector<uint8_t>{0x0D, 0xF0, 0xFE, 0xCA}));
 }
 
 TEST_F(DsdWritingTest, PatternAnswersOutsideTheFourAreAskedAgain)
@@ -359,13 +341,13 @@ TEST_F(DsdWritingTest, PatternAnswersOutsideTheFourAreAskedAgain)
 
 TEST_F(DsdWritingTest, EndOfInputBeforeTheWriteLeavesTheStoreAlone)
 {
-    std::vector<uint8_t> before = Store();
+    std::vector<uint8_t> before = DsdStores();
     for (const char *input : {"100\n2\n1\n1\n", "100\n8\n1\n0\n2\n1\n", "7\n1\n"}) {
         RunHandler(TestWriteDSDBlock, hCal, input);
         RunHandler(TestWriteDSDBytes, hCal, input);
         RunHandler(TestWriteDSDRegionByID, hCal, input);
     }
-    EXPECT_TRUE(Store() == before);
+    EXPECT_TRUE(DsdStores() == before);
 }
 
 }  // namespace
