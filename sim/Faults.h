@@ -52,6 +52,21 @@ public:
     // device; the data fault planned for it, if any.
     std::optional<DataFault> TakeDataFault(const std::string &operation);
 
+    // ---- Read-back faults: settings that do not read back as written ----
+    // The next `count` calls of `operation` answer success and change nothing.
+    void IgnoreNext(const std::string &operation, unsigned count);
+    // `operation` reports its out-value number `output` (0 = its first
+    // out-pointer) with `offset` added, from now on.
+    void SkewOutput(const std::string &operation, unsigned output, double offset);
+    // GPIO `pin` reads as `level` (0 or 1) whatever drives it.
+    void StickGpioPin(unsigned pin, unsigned level);
+
+    // Consumes one planned ignore of `operation`, if any.
+    bool TakeIgnore(const std::string &operation);
+    double OutputSkew(const std::string &operation, unsigned output) const;
+    uint32_t WithStuckPins(uint32_t pinState) const;
+    // ---- end of read-back faults ----
+
     void Clear();
 
 private:
@@ -67,6 +82,15 @@ private:
     std::map<std::string, PlannedFailure> failures_;
     std::multimap<std::string, PlannedDataFault> dataFaults_;
     unsigned connectAttempt_ = 1;
+
+    // Read-back faults.
+    struct ReadBackFaults {
+        std::map<std::string, unsigned> ignores;
+        std::map<std::pair<std::string, unsigned>, double> skews;
+        uint32_t stuckMask = 0;
+        uint32_t stuckLevels = 0;
+    };
+    ReadBackFaults readBack_;
 };
 
 // The one plan of this process; it outlives interfaces so that a test can

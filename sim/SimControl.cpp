@@ -36,6 +36,17 @@ void StopWriteAfter(const char *operation, unsigned nthCall, uint32_t changedByt
 
 void ConnectSucceedsAtAttempt(unsigned attempt) { Faults().ConnectSucceedsAtAttempt(attempt); }
 
+// ---- Read-back faults ----
+void IgnoreNext(const char *operation, unsigned count) { Faults().IgnoreNext(operation, count); }
+
+void SkewOutput(const char *operation, unsigned output, double offset)
+{
+    Faults().SkewOutput(operation, output, offset);
+}
+
+void StickGpioPin(unsigned pin, unsigned level) { Faults().StickGpioPin(pin, level); }
+// ---- end of read-back faults ----
+
 Device *OpenDevice()
 {
     Q7_CalInterface *itf = CurrentInterface();

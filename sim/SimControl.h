@@ -37,6 +37,20 @@ void IgnoreWrite(const char *operation, unsigned nthCall);
 void StopWriteAfter(const char *operation, unsigned nthCall, uint32_t changedBytes);
 // Q7_ConnectDevice succeeds only from this attempt on; 0 means never.
 void ConnectSucceedsAtAttempt(unsigned attempt);
+// ---- Read-back faults: a device whose settings do not read back as written ----
+// The next `count` calls of `operation` (e.g. "Q7_SetBandConfig") answer
+// success and change nothing: a setting the device silently ignores.
+void IgnoreNext(const char *operation, unsigned count);
+// `operation` reports its out-value number `output` (0 = its first
+// out-pointer) with `offset` added, until Reset: a read-back that is off.
+// Taken by Q7_GetBandConfig, Q7_GetRxGainState, Q7_GetTxAttn,
+// Q7_GetTxOutputPower and Q7_GetTxDiversitySwitch; an offset must keep an
+// unsigned value at 0 or above.
+void SkewOutput(const char *operation, unsigned output, double offset);
+// GPIO `pin` reads as `level` (0 or 1) whatever drives it, until Reset.
+void StickGpioPin(unsigned pin, unsigned level);
+// ---- end of read-back faults ----
+
 // The device behind the open interface, or null; for tests of the model.
 Device *OpenDevice();
 

@@ -95,6 +95,7 @@ const MenuItem MenuEntry[] = {
     {NULL, "SetOptionByID", TestSetOptionByID},
 
     {"Test Commands", "Echo test", TestEchoTest},
+    {NULL, "Automated test", AutomatedTest},
     {NULL, "Sleep function accuracy test", SleepAccuracyTest},
 
     {NULL, NULL, NULL},

@@ -116,6 +116,7 @@ int TestGetOptionByID(CalInterfaceHandle hCal);
 int TestSetOptionByID(CalInterfaceHandle hCal);
 
 /* Test Commands */
+#include "automated.h"
 #include "diagnostics.h"
 
 /* Stands in for a menu row whose command is not written yet. */
