@@ -7,20 +7,50 @@
 #include <map>
 #include <optional>
 #include <string>
+#include <vector>
 
 namespace q7sim {
 
+// A fault in the data of one DSD read or write that otherwise succeeds.
+struct DataFault {
+    enum class Kind {
+        FlipBit,      // the read hands back `mask` flipped in byte `byteIndex` (modulo the bytes read)
+        IgnoreWrite,  // the write reports success and its full count but changes nothing
+        StopWrite,    // the write stops after `byteIndex` changed bytes and reports at most that many
+    };
+    Kind kind;
+    uint32_t byteIndex;
+    uint8_t mask;
+
+    // Applies a read fault to the bytes read.
+    void ApplyToRead(uint8_t *data, uint32_t count) const;
+    // Applies a write fault to memory that held `before` until the write;
+    // returns the count of bytes written that the write reports.
+    uint32_t ApplyToWrite(const std::vector<uint8_t> &before, uint8_t *memory, uint32_t written) const;
+};
+
 class FaultPlan {
 public:
-    // The next `count` calls of `operation` (its Q7_ name) fail with `text`.
-    void FailNext(const std::string &operation, unsigned count, const std::string &text);
+    // The calls of `operation` (its Q7_ name) from the `nthCall`-th on (1 =
+    // the next) fail with `text`, `count` of them; the calls before succeed.
+    void FailCalls(const std::string &operation, unsigned nthCall, unsigned count, const std::string &text);
+    void FailNext(const std::string &operation, unsigned count, const std::string &text)
+    {
+        FailCalls(operation, 1, count, text);
+    }
     // Q7_ConnectDevice answers only at this attempt (counted from interface
     // open) and later; 0 means never.
     void ConnectSucceedsAtAttempt(unsigned attempt) { connectAttempt_ = attempt; }
+    // The `nthCall`-th call of the read or write `operation` that reaches the
+    // connected device suffers `fault`.
+    void PlanDataFault(const std::string &operation, unsigned nthCall, DataFault fault);
 
-    // Consumes one planned failure of `operation`, if any.
+    // Counts one call of `operation`; the planned failure for it, if any.
     std::optional<std::string> TakeFailure(const std::string &operation);
     bool ConnectAnswers(unsigned attempt) const { return connectAttempt_ != 0 && attempt >= connectAttempt_; }
+    // Counts one call of the read or write `operation` that reached the
+    // device; the data fault planned for it, if any.
+    std::optional<DataFault> TakeDataFault(const std::string &operation);
 
     // ---- Read-back faults: settings that do not read back as written ----
     // The next `count` calls of `operation` answer success and change nothing.
@@ -41,10 +71,16 @@ public:
 
 private:
     struct PlannedFailure {
+        unsigned callsBefore = 0;
         unsigned remaining = 0;
         std::string text;
     };
+    struct PlannedDataFault {
+        unsigned callsBefore = 0;
+        DataFault fault;
+    };
     std::map<std::string, PlannedFailure> failures_;
+    std::multimap<std::string, PlannedDataFault> dataFaults_;
     unsigned connectAttempt_ = 1;
 
     // Read-back faults.

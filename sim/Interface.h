@@ -66,9 +66,6 @@ T Reported(const char *operation, unsigned output, T value)
     return skew == 0.0 ? value : static_cast<T>(static_cast<double>(value) + skew);
 }
 
-// The answer of an operation whose part of the device is not modelled yet.
-ApiStatus NotSupportedYet(CalInterfaceHandle handle, const char *name);
-
 }  // namespace q7sim
 
 #endif

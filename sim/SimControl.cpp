@@ -12,6 +12,28 @@ void Reset()
 
 void FailNext(const char *operation, unsigned count, const char *text) { Faults().FailNext(operation, count, text); }
 
+void FailCall(const char *operation, unsigned nthCall, const char *text)
+{
+    Faults().FailCalls(operation, nthCall, 1, text);
+}
+
+void RefuseWriteKeys(unsigned count) { Faults().FailNext("Q7_RequestDSDWriteKey", count, "DSD write key refused"); }
+
+void FlipBitOnRead(const char *operation, unsigned nthCall, uint32_t byteIndex, uint8_t mask)
+{
+    Faults().PlanDataFault(operation, nthCall, DataFault{DataFault::Kind::FlipBit, byteIndex, mask});
+}
+
+void IgnoreWrite(const char *operation, unsigned nthCall)
+{
+    Faults().PlanDataFault(operation, nthCall, DataFault{DataFault::Kind::IgnoreWrite, 0, 0});
+}
+
+void StopWriteAfter(const char *operation, unsigned nthCall, uint32_t changedBytes)
+{
+    Faults().PlanDataFault(operation, nthCall, DataFault{DataFault::Kind::StopWrite, changedBytes, 0});
+}
+
 void ConnectSucceedsAtAttempt(unsigned attempt) { Faults().ConnectSucceedsAtAttempt(attempt); }
 
 // ---- Read-back faults ----

@@ -83,6 +83,11 @@ const MenuItem MenuEntry[] = {
     {NULL, "ReadDSDBytes", TestReadDSDBytes},
     {NULL, "GetDSDRegionSizeByID", TestGetDSDRegionSizeByID},
     {NULL, "ReadDSDRegionByID", TestReadDSDRegionByID},
+    {NULL, "RequestDSDWriteKey", TestRequestDSDWriteKey},
+    {NULL, "WriteDSDBlock", TestWriteDSDBlock},
+    {NULL, "WriteDSDBytes", TestWriteDSDBytes},
+    {NULL, "WriteFlash2xBytesWithHeader", TestWriteFlash2xBytesWithHeader},
+    {NULL, "WriteDSDRegionByID", TestWriteDSDRegionByID},
     {NULL, "SelectCurrentDSDSection", TestSelectCurrentDSDSection},
     {NULL, "CopyDSDSection", TestCopyDSDSection},
 
