@@ -20,6 +20,7 @@
 #include "Thermal.h"
 #include "Transmitters.h"
 #include "VersionInfo.h"
+#include "WriteKeys.h"
 
 namespace q7sim {
 
@@ -60,6 +61,7 @@ public:
     VersionInfo versions;
     EchoLink echo;
     Dsd dsd;
+    WriteKeys keys;
     Options options;
 
 private:

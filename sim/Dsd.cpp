@@ -57,6 +57,33 @@ Status Dsd::Write(const DsdArea &area, const uint8_t *source, uint32_t count, ui
     return Status::Ok();
 }
 
+Status Dsd::WriteFlash2xImage(const DsdArea &area, const uint8_t *data, uint32_t size, uint32_t flashOffset,
+                              const Flash2xBytesWithHeader *header, uint32_t headerWords, uint32_t writeMode,
+                              uint32_t *written)
+{
+    if (area.size != Nvm::kSectionSize)
+        return Status::Errorf("%s holds no Flash 2.x image", area.name.c_str());
+    if (header == nullptr || headerWords != 3)
+        return Status::Errorf("Flash 2.x header record of %u words: 3 expected", header == nullptr ? 0 : headerWords);
+    if (writeMode != kFlash2xFillGap && writeMode != kFlash2xKeepGap)
+        return Status::Errorf("Flash 2.x write mode %u is out of range (1-2)", writeMode);
+    if (data == nullptr && size != 0)
+        return Status::Error("Flash 2.x write from a NULL buffer");
+    if (area.readOnly)
+        return Status::Errorf("%s is read-only", area.name.c_str());
+    if (static_cast<uint64_t>(flashOffset) + size > Nvm::kSectionSize)
+        return Status::Errorf("Flash 2.x data block of %u bytes at offset 0x%04X goes beyond the 64 KB image", size,
+                              flashOffset);
+    if (size != 0)
+        std::memcpy(area.bytes + flashOffset, data, size);
+    uint32_t end = flashOffset + size;
+    if (writeMode == kFlash2xFillGap && end < Nvm::kHeaderOffset)
+        std::memset(area.bytes + end, 0xFF, Nvm::kHeaderOffset - end);
+    Nvm::LayOutHeader(area.bytes + Nvm::kHeaderOffset, header->u32DSDImageSize, header->u32DSDImagePriority);
+    *written = size;
+    return Status::Ok();
+}
+
 Status Dsd::FindRegion(const DsdArea &area, int32_t regionId, ByteRange *payload) const
 {
     if (regionId < kFirstRegionId || regionId > kLastRegionId)

@@ -16,6 +16,7 @@
 
 #include "DsdFormat.h"
 #include "Nvm.h"
+#include "Q7CalAPI.h"
 #include "Status.h"
 
 namespace q7sim {
@@ -41,6 +42,11 @@ public:
 
     static constexpr uint32_t kBufferSize = kDsdSize;
 
+    // Flash 2.x write modes: the gap between the data block and the header
+    // block is erased (0xFF) or keeps its bytes.
+    static constexpr uint32_t kFlash2xFillGap = 1;
+    static constexpr uint32_t kFlash2xKeepGap = 2;
+
     // Power-up: the boot loader has copied the active section's DSD into the
     // buffer and loaded it.
     Dsd();
@@ -55,6 +61,15 @@ public:
     // A raw write: no checksum is touched, so a changed block stays invalid
     // until it is fixed. The caller has checked the write key.
     Status Write(const DsdArea &area, const uint8_t *source, uint32_t count, uint32_t address, uint32_t *written);
+
+    // A Flash 2.x image write into a 64 KB NVM section: the data block at the
+    // flash offset, the gap up to the header block filled with 0xFF (write
+    // mode 1) or kept (mode 2), then the header block laid out from the
+    // record, over any data that reached into it. The caller has checked the
+    // write key.
+    Status WriteFlash2xImage(const DsdArea &area, const uint8_t *data, uint32_t size, uint32_t flashOffset,
+                             const Flash2xBytesWithHeader *header, uint32_t headerWords, uint32_t writeMode,
+                             uint32_t *written);
 
     Status RegionSize(const DsdArea &area, int32_t regionId, uint32_t *size) const;
     // Returns the region's first bytes, never more than the buffer holds.

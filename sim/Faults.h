@@ -3,33 +3,94 @@
 #ifndef Q7SIM_FAULTS_H
 #define Q7SIM_FAULTS_H
 
+#include <cstdint>
 #include <map>
 #include <optional>
 #include <string>
+#include <vector>
 
 namespace q7sim {
 
+// A fault in the data of one DSD read or write that otherwise succeeds.
+struct DataFault {
+    enum class Kind {
+        FlipBit,      // the read hands back `mask` flipped in byte `byteIndex` (modulo the bytes read)
+        IgnoreWrite,  // the write reports success and its full count but changes nothing
+        StopWrite,    // the write stops after `byteIndex` changed bytes and reports at most that many
+    };
+    Kind kind;
+    uint32_t byteIndex;
+    uint8_t mask;
+
+    // Applies a read fault to the bytes read.
+    void ApplyToRead(uint8_t *data, uint32_t count) const;
+    // Applies a write fault to memory that held `before` until the write;
+    // returns the count of bytes written that the write reports.
+    uint32_t ApplyToWrite(const std::vector<uint8_t> &before, uint8_t *memory, uint32_t written) const;
+};
+
 class FaultPlan {
 public:
-    // The next `count` calls of `operation` (its Q7_ name) fail with `text`.
-    void FailNext(const std::string &operation, unsigned count, const std::string &text);
+    // The calls of `operation` (its Q7_ name) from the `nthCall`-th on (1 =
+    // the next) fail with `text`, `count` of them; the calls before succeed.
+    void FailCalls(const std::string &operation, unsigned nthCall, unsigned count, const std::string &text);
+    void FailNext(const std::string &operation, unsigned count, const std::string &text)
+    {
+        FailCalls(operation, 1, count, text);
+    }
     // Q7_ConnectDevice answers only at this attempt (counted from interface
     // open) and later; 0 means never.
     void ConnectSucceedsAtAttempt(unsigned attempt) { connectAttempt_ = attempt; }
+    // The `nthCall`-th call of the read or write `operation` that reaches the
+    // connected device suffers `fault`.
+    void PlanDataFault(const std::string &operation, unsigned nthCall, DataFault fault);
 
-    // Consumes one planned failure of `operation`, if any.
+    // Counts one call of `operation`; the planned failure for it, if any.
     std::optional<std::string> TakeFailure(const std::string &operation);
     bool ConnectAnswers(unsigned attempt) const { return connectAttempt_ != 0 && attempt >= connectAttempt_; }
+    // Counts one call of the read or write `operation` that reached the
+    // device; the data fault planned for it, if any.
+    std::optional<DataFault> TakeDataFault(const std::string &operation);
+
+    // ---- Read-back faults: settings that do not read back as written ----
+    // The next `count` calls of `operation` answer success and change nothing.
+    void IgnoreNext(const std::string &operation, unsigned count);
+    // `operation` reports its out-value number `output` (0 = its first
+    // out-pointer) with `offset` added, from now on.
+    void SkewOutput(const std::string &operation, unsigned output, double offset);
+    // GPIO `pin` reads as `level` (0 or 1) whatever drives it.
+    void StickGpioPin(unsigned pin, unsigned level);
+
+    // Consumes one planned ignore of `operation`, if any.
+    bool TakeIgnore(const std::string &operation);
+    double OutputSkew(const std::string &operation, unsigned output) const;
+    uint32_t WithStuckPins(uint32_t pinState) const;
+    // ---- end of read-back faults ----
 
     void Clear();
 
 private:
     struct PlannedFailure {
+        unsigned callsBefore = 0;
         unsigned remaining = 0;
         std::string text;
     };
+    struct PlannedDataFault {
+        unsigned callsBefore = 0;
+        DataFault fault;
+    };
     std::map<std::string, PlannedFailure> failures_;
+    std::multimap<std::string, PlannedDataFault> dataFaults_;
     unsigned connectAttempt_ = 1;
+
+    // Read-back faults.
+    struct ReadBackFaults {
+        std::map<std::string, unsigned> ignores;
+        std::map<std::pair<std::string, unsigned>, double> skews;
+        uint32_t stuckMask = 0;
+        uint32_t stuckLevels = 0;
+    };
+    ReadBackFaults readBack_;
 };
 
 // The one plan of this process; it outlives interfaces so that a test can

@@ -27,11 +27,4 @@ Q7_CalInterface *FindInterface(CalInterfaceHandle handle)
     return handle != nullptr && handle == g_interface.get() ? handle : nullptr;
 }
 
-ApiStatus NotSupportedYet(CalInterfaceHandle handle, const char *name)
-{
-    return Dispatch(handle, name, Requires::Interface, [name](Device &) {
-        return Status::Errorf("%s is not supported by the simulated device yet", name);
-    });
-}
-
 }  // namespace q7sim

@@ -51,12 +51,20 @@ ApiStatus Dispatch(CalInterfaceHandle handle, const char *name, Requires require
         return itf->Fail(*failure);
     if (requires_ == Requires::Connection && !itf->device.connected())
         return kNotConnectedText;
+    if (Faults().TakeIgnore(name))
+        return nullptr;
     Status status = op(itf->device);
     return status.ok() ? nullptr : itf->Fail(status.text());
 }
 
-// The answer of an operation whose part of the device is not modelled yet.
-ApiStatus NotSupportedYet(CalInterfaceHandle handle, const char *name);
+// What `operation` reports as its out-value number `output`: the device's
+// value with any planned skew added (see FaultPlan::SkewOutput).
+template <class T>
+T Reported(const char *operation, unsigned output, T value)
+{
+    const double skew = Faults().OutputSkew(operation, output);
+    return skew == 0.0 ? value : static_cast<T>(static_cast<double>(value) + skew);
+}
 
 }  // namespace q7sim
 

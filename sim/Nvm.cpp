@@ -46,7 +46,11 @@ Flash2xHeader Nvm::Header(uint32_t section) const
 
 void Nvm::WriteHeader(uint32_t section, uint32_t imageSize, uint32_t priority)
 {
-    uint8_t *header = Section(section) + kHeaderOffset;
+    LayOutHeader(Section(section) + kHeaderOffset, imageSize, priority);
+}
+
+void Nvm::LayOutHeader(uint8_t *header, uint32_t imageSize, uint32_t priority)
+{
     std::memset(header, 0xFF, kHeaderSize);
     PutBigEndian32(header + kHeaderSizeField, imageSize);
     PutBigEndian32(header + kHeaderPriorityField, priority);

@@ -66,6 +66,8 @@ public:
     Flash2xHeader Header(uint32_t section) const;
     // Lays out the section's header block: the fields and the 0xFF fillers.
     void WriteHeader(uint32_t section, uint32_t imageSize, uint32_t priority);
+    // The same layout in the kHeaderSize bytes at `header`.
+    static void LayOutHeader(uint8_t *header, uint32_t imageSize, uint32_t priority);
 
     Status SelectActive(uint32_t section);
     Status SelectCurrent(uint32_t section);

@@ -59,8 +59,8 @@ ApiStatus Q7_SetDeviceMode(CalInterfaceHandle hCal, uint32_t u32DutMode, uint32_
 ApiStatus Q7_GetBandConfig(CalInterfaceHandle hCal, uint32_t *pu32CenterFreqKHz, uint32_t *pu32BandwidthKHz)
 {
     return Dispatch(hCal, __func__, Requires::Connection, [&](Device &device) {
-        *pu32CenterFreqKHz = device.modes.band().centerFreqKHz;
-        *pu32BandwidthKHz = device.modes.band().bandwidthKHz;
+        *pu32CenterFreqKHz = q7sim::Reported("Q7_GetBandConfig", 0, device.modes.band().centerFreqKHz);
+        *pu32BandwidthKHz = q7sim::Reported("Q7_GetBandConfig", 1, device.modes.band().bandwidthKHz);
         return Status::Ok();
     });
 }

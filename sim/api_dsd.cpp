@@ -1,14 +1,48 @@
 // Cal API entry points of the simulated device. The DSD: loading, checksums,
 // calibration record, MAC address, NVM and flash sections, reads and writes.
 #include <cstring>
+#include <optional>
+#include <vector>
 
 #include "Interface.h"
 
 using q7sim::CalibrationRecord;
+using q7sim::DataFault;
 using q7sim::Device;
 using q7sim::Dispatch;
+using q7sim::Dsd;
+using q7sim::DsdArea;
+using q7sim::Faults;
+using q7sim::Options;
 using q7sim::Requires;
 using q7sim::Status;
+
+namespace {
+
+// A write that presents a key: a refused key changes nothing; a write that
+// succeeds uses the key up. A data fault planned for this call acts on what
+// the write changed in `area`.
+template <class Write>
+Status KeyedWrite(Device &device, const char *operation, uint32_t key, const DsdArea &area, uint32_t *written,
+                  Write &&write)
+{
+    std::optional<DataFault> fault = Faults().TakeDataFault(operation);
+    Status status = device.keys.Check(key, device.nowUs(), device.options.value(Options::kKeyLifetimeMs));
+    if (!status.ok())
+        return status;
+    std::vector<uint8_t> before;
+    if (fault)
+        before.assign(area.bytes, area.bytes + area.size);
+    uint32_t count = 0;
+    status = write(&count);
+    if (!status.ok())
+        return status;
+    device.keys.Consume();
+    *written = fault ? fault->ApplyToWrite(before, area.bytes, count) : count;
+    return Status::Ok();
+}
+
+}  // namespace
 
 extern "C" {
 
@@ -124,8 +158,13 @@ ApiStatus Q7_InitializeFlash(CalInterfaceHandle hCal, uint32_t u32DesiredSectorS
 
 ApiStatus Q7_ReadDSDBytes(CalInterfaceHandle hCal, uint8_t *pu8Dest, uint32_t u32ByteCount, uint32_t u32Address)
 {
-    return Dispatch(hCal, __func__, Requires::Connection, [&](Device &device) {
-        return device.dsd.Read(device.DsdTarget(), pu8Dest, u32ByteCount, u32Address);
+    const char *operation = __func__;  // __func__ inside a lambda names the lambda
+    return Dispatch(hCal, operation, Requires::Connection, [&](Device &device) {
+        std::optional<DataFault> fault = Faults().TakeDataFault(operation);
+        Status status = device.dsd.Read(device.DsdTarget(), pu8Dest, u32ByteCount, u32Address);
+        if (status.ok() && fault)
+            fault->ApplyToRead(pu8Dest, u32ByteCount);
+        return status;
     });
 }
 
@@ -139,35 +178,68 @@ ApiStatus Q7_GetDSDRegionSizeByID(CalInterfaceHandle hCal, int32_t i32RegionID, 
 ApiStatus Q7_ReadDSDRegionByID(CalInterfaceHandle hCal, int32_t i32RegionID, uint32_t u32BufferSize,
                                uint8_t *pu8Dest, uint32_t *pu32Returned)
 {
-    return Dispatch(hCal, __func__, Requires::Connection, [&](Device &device) {
-        return device.dsd.ReadRegion(device.DsdTarget(), i32RegionID, u32BufferSize, pu8Dest, pu32Returned);
+    const char *operation = __func__;  // __func__ inside a lambda names the lambda
+    return Dispatch(hCal, operation, Requires::Connection, [&](Device &device) {
+        std::optional<DataFault> fault = Faults().TakeDataFault(operation);
+        Status status = device.dsd.ReadRegion(device.DsdTarget(), i32RegionID, u32BufferSize, pu8Dest, pu32Returned);
+        if (status.ok() && fault)
+            fault->ApplyToRead(pu8Dest, *pu32Returned);
+        return status;
     });
 }
-
-// Not modelled yet: the write key and the writes, which will check the key
-// and then call Dsd::Write, Dsd::WriteRegion and Nvm::WriteHeader.
 
 uint32_t Q7_RequestDSDWriteKey(CalInterfaceHandle hCal)
 {
     // A refused request answers key 0.
-    q7sim::NotSupportedYet(hCal, __func__);
-    return 0;
+    uint32_t key = 0;
+    Dispatch(hCal, __func__, Requires::Connection, [&](Device &device) {
+        key = device.keys.Issue(device.nowUs());
+        return Status::Ok();
+    });
+    return key;
 }
 
-ApiStatus Q7_WriteDSDBytes(CalInterfaceHandle hCal, uint32_t, const uint8_t *, uint32_t, uint32_t, uint32_t *)
+ApiStatus Q7_WriteDSDBytes(CalInterfaceHandle hCal, uint32_t u32Key, const uint8_t *pu8Source, uint32_t u32ByteCount,
+                           uint32_t u32Address, uint32_t *pu32Written)
 {
-    return q7sim::NotSupportedYet(hCal, __func__);
+    const char *operation = __func__;  // __func__ inside a lambda names the lambda
+    return Dispatch(hCal, operation, Requires::Connection, [&](Device &device) {
+        DsdArea area = device.DsdTarget();
+        return KeyedWrite(device, operation, u32Key, area, pu32Written, [&](uint32_t *written) {
+            return device.dsd.Write(area, pu8Source, u32ByteCount, u32Address, written);
+        });
+    });
 }
 
-ApiStatus Q7_WriteFlash2xBytesWithHeader(CalInterfaceHandle hCal, uint32_t, const uint8_t *, uint32_t, uint32_t,
-                                         const Flash2xBytesWithHeader *, uint32_t, uint32_t, uint32_t *)
+ApiStatus Q7_WriteFlash2xBytesWithHeader(CalInterfaceHandle hCal, uint32_t u32Key, const uint8_t *pu8Data,
+                                         uint32_t u32Size, uint32_t u32FlashOffset,
+                                         const Flash2xBytesWithHeader *pHeader, uint32_t u32HeaderWords,
+                                         uint32_t u32WriteMode, uint32_t *pu32Written)
 {
-    return q7sim::NotSupportedYet(hCal, __func__);
+    const char *operation = __func__;  // __func__ inside a lambda names the lambda
+    return Dispatch(hCal, operation, Requires::Connection, [&](Device &device) {
+        uint32_t nvmMode = device.options.nvmMode();
+        if (nvmMode != Dsd::kNvmModeDirect)
+            return Status::Errorf("Flash 2.x image writes need NVM mode 0: NVM mode %u addresses the DSD buffer",
+                                  nvmMode);
+        DsdArea area = device.DsdTarget();
+        return KeyedWrite(device, operation, u32Key, area, pu32Written, [&](uint32_t *written) {
+            return device.dsd.WriteFlash2xImage(area, pu8Data, u32Size, u32FlashOffset, pHeader, u32HeaderWords,
+                                                u32WriteMode, written);
+        });
+    });
 }
 
-ApiStatus Q7_WriteDSDRegionByID(CalInterfaceHandle hCal, uint32_t, int32_t, uint32_t, const uint8_t *, uint32_t *)
+ApiStatus Q7_WriteDSDRegionByID(CalInterfaceHandle hCal, uint32_t u32Key, int32_t i32RegionID, uint32_t u32ByteCount,
+                                const uint8_t *pu8Source, uint32_t *pu32Written)
 {
-    return q7sim::NotSupportedYet(hCal, __func__);
+    const char *operation = __func__;  // __func__ inside a lambda names the lambda
+    return Dispatch(hCal, operation, Requires::Connection, [&](Device &device) {
+        DsdArea area = device.DsdTarget();
+        return KeyedWrite(device, operation, u32Key, area, pu32Written, [&](uint32_t *written) {
+            return device.dsd.WriteRegion(area, i32RegionID, u32ByteCount, pu8Source, written);
+        });
+    });
 }
 
 }  // extern "C"

@@ -16,7 +16,7 @@ ApiStatus Q7_ReadGPIOState(CalInterfaceHandle hCal, uint32_t *pu32PinState, uint
                            uint32_t *pu32WritePermission)
 {
     return Dispatch(hCal, __func__, Requires::Connection, [&](Device &device) {
-        *pu32PinState = device.gpio.state();
+        *pu32PinState = q7sim::Faults().WithStuckPins(device.gpio.state());
         *pu32PinDirection = device.gpio.direction();
         *pu32WritePermission = device.gpio.writePermission();
         return Status::Ok();

@@ -70,10 +70,10 @@ ApiStatus Q7_GetRxGainState(CalInterfaceHandle hCal, uint32_t u32RxPath, uint32_
         double totalGainDb = 0.0;
         Status status = rx.GetGainState(u32RxPath, state, totalGainDb);
         if (status.ok()) {
-            *pu32ExtLna = state.extLna;
-            *pu32FrontEndGainState = state.feGainState;
-            *pi32PgaGainIndex = state.pgaIndex;
-            *pdTotalGain = totalGainDb;
+            *pu32ExtLna = q7sim::Reported("Q7_GetRxGainState", 0, state.extLna);
+            *pu32FrontEndGainState = q7sim::Reported("Q7_GetRxGainState", 1, state.feGainState);
+            *pi32PgaGainIndex = q7sim::Reported("Q7_GetRxGainState", 2, state.pgaIndex);
+            *pdTotalGain = q7sim::Reported("Q7_GetRxGainState", 3, totalGainDb);
         }
         return status;
     });

@@ -27,12 +27,12 @@ ApiStatus Q7_GetTxAttn(CalInterfaceHandle hCal, uint32_t u32TxSelector, double *
         TxAttn attn;
         Status status = tx.GetAttn(u32TxSelector, attn);
         if (status.ok()) {
-            *pdBasebandAttnDb = attn.basebandDb;
-            *pu32MixerThermIndex = attn.mixerThermIndex;
-            *pu32MixerBinaryIndex = attn.mixerBinaryIndex;
-            *pu32PaDriverThermIndex = attn.paDriverThermIndex;
-            *pu32PaDriverAttnIndex = attn.paDriverAttnIndex;
-            *pu32ExtAttn = attn.extAttn;
+            *pdBasebandAttnDb = q7sim::Reported("Q7_GetTxAttn", 0, attn.basebandDb);
+            *pu32MixerThermIndex = q7sim::Reported("Q7_GetTxAttn", 1, attn.mixerThermIndex);
+            *pu32MixerBinaryIndex = q7sim::Reported("Q7_GetTxAttn", 2, attn.mixerBinaryIndex);
+            *pu32PaDriverThermIndex = q7sim::Reported("Q7_GetTxAttn", 3, attn.paDriverThermIndex);
+            *pu32PaDriverAttnIndex = q7sim::Reported("Q7_GetTxAttn", 4, attn.paDriverAttnIndex);
+            *pu32ExtAttn = q7sim::Reported("Q7_GetTxAttn", 5, attn.extAttn);
         }
         return status;
     });
@@ -51,7 +51,7 @@ ApiStatus Q7_SetTxAttn(CalInterfaceHandle hCal, uint32_t u32TxSelector, double d
 ApiStatus Q7_GetTxOutputPower(CalInterfaceHandle hCal, double *pdPowerDbm)
 {
     return TxDispatch(hCal, __func__, [&](Transmitters &tx) {
-        *pdPowerDbm = tx.outputPowerDbm();
+        *pdPowerDbm = q7sim::Reported("Q7_GetTxOutputPower", 0, tx.outputPowerDbm());
         return Status::Ok();
     });
 }
@@ -64,7 +64,7 @@ ApiStatus Q7_SetTxOutputPower(CalInterfaceHandle hCal, double dPowerDbm)
 ApiStatus Q7_GetTxDiversitySwitch(CalInterfaceHandle hCal, uint32_t *pu32Switch)
 {
     return TxDispatch(hCal, __func__, [&](Transmitters &tx) {
-        *pu32Switch = tx.diversitySwitch();
+        *pu32Switch = q7sim::Reported("Q7_GetTxDiversitySwitch", 0, tx.diversitySwitch());
         return Status::Ok();
     });
 }

@@ -83,6 +83,11 @@ const MenuItem MenuEntry[] = {
     {NULL, "ReadDSDBytes", TestReadDSDBytes},
     {NULL, "GetDSDRegionSizeByID", TestGetDSDRegionSizeByID},
     {NULL, "ReadDSDRegionByID", TestReadDSDRegionByID},
+    {NULL, "RequestDSDWriteKey", TestRequestDSDWriteKey},
+    {NULL, "WriteDSDBlock", TestWriteDSDBlock},
+    {NULL, "WriteDSDBytes", TestWriteDSDBytes},
+    {NULL, "WriteFlash2xBytesWithHeader", TestWriteFlash2xBytesWithHeader},
+    {NULL, "WriteDSDRegionByID", TestWriteDSDRegionByID},
     {NULL, "SelectCurrentDSDSection", TestSelectCurrentDSDSection},
     {NULL, "CopyDSDSection", TestCopyDSDSection},
 
@@ -90,6 +95,7 @@ const MenuItem MenuEntry[] = {
     {NULL, "SetOptionByID", TestSetOptionByID},
 
     {"Test Commands", "Echo test", TestEchoTest},
+    {NULL, "Automated test", AutomatedTest},
     {NULL, "Sleep function accuracy test", SleepAccuracyTest},
     {NULL, "NVM Mode test", NvmModeTest},
 

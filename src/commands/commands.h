@@ -98,6 +98,15 @@ int TestReadDSDBlock(CalInterfaceHandle hCal);
 int TestReadDSDBytes(CalInterfaceHandle hCal);
 int TestGetDSDRegionSizeByID(CalInterfaceHandle hCal);
 int TestReadDSDRegionByID(CalInterfaceHandle hCal);
+int TestRequestDSDWriteKey(CalInterfaceHandle hCal);
+int TestWriteDSDBlock(CalInterfaceHandle hCal);
+/* The byte write (flash2x 0) or the Flash 2.x image write with its header
+ * block (any other value), with verification and restore: 0 when the write
+ * succeeded without verify errors, else -1. Prints all but the SUCCESSFUL line. */
+int Q7_WriteDSDBytesEx(CalInterfaceHandle hCal, uint32_t u32Flash2x);
+int TestWriteDSDBytes(CalInterfaceHandle hCal);
+int TestWriteFlash2xBytesWithHeader(CalInterfaceHandle hCal);
+int TestWriteDSDRegionByID(CalInterfaceHandle hCal);
 
 /* Library Configuration Commands */
 /* Shows the option slots and reads a choice until it is valid: a usable slot
@@ -107,6 +116,7 @@ int TestGetOptionByID(CalInterfaceHandle hCal);
 int TestSetOptionByID(CalInterfaceHandle hCal);
 
 /* Test Commands */
+#include "automated.h"
 #include "diagnostics.h"
 
 /* Stands in for a menu row whose command is not written yet. */

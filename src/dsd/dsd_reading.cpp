@@ -9,9 +9,18 @@
 #include "commands.h"
 #include "console.h"
 #include "data_utils.h"
+#include "dsd_limits.h"
 
 /* The largest word count whose byte count fits 32 bits. */
 #define MAX_BLOCK_WORDS (UINT32_MAX / 4u)
+
+bool BlockSizeFits(uint32_t u32WordCount)
+{
+    if ((uint64_t)u32WordCount * 4u <= UINT32_MAX)
+        return true;
+    printf("\nERROR: Block size of %u words is too large (at most %u)\n", u32WordCount, MAX_BLOCK_WORDS);
+    return false;
+}
 
 /* Reads the bytes at the DSD address into a buffer of exactly that size and
  * dumps them with their DSD addresses. */
@@ -48,10 +57,8 @@ int TestReadDSDBlock(CalInterfaceHandle hCal)
     if (!ReadHex(&u32Address, "    DSD  address (hex) ? ") ||
         !ReadUnsigned(&u32WordCount, "    Block size (dec)          ? "))
         return -1;
-    if (u32WordCount > MAX_BLOCK_WORDS) {
-        printf("\nERROR: Block size of %u words is too large (at most %u)\n", u32WordCount, MAX_BLOCK_WORDS);
+    if (!BlockSizeFits(u32WordCount))
         return -1;
-    }
     return ReadAndDump(hCal, u32WordCount * 4u, u32Address, "\nERROR: Data block memory allocation failed",
                        "ReadDSDBlock");
 }

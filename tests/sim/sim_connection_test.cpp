@@ -87,14 +87,4 @@ TEST_F(SimConnectionTest, InjectedFaultsFailExactlyTheNextCalls)
     EXPECT_NE(Q7_GetCalInterface(Q7_INTERFACE_LOCAL, buffer, nullptr), nullptr) << "Reset clears faults";
 }
 
-TEST_F(SimConnectionTest, OperationsNotModelledYetSaySo)
-{
-    const uint8_t data[1] = {0};
-    uint32_t written = 7;
-    EXPECT_EQ(Text(Q7_WriteDSDBytes(hCal, 1, data, 1, 0, &written)),
-              "Q7_WriteDSDBytes is not supported by the simulated device yet");
-    EXPECT_EQ(written, 7u);
-    EXPECT_EQ(Q7_RequestDSDWriteKey(hCal), 0u);
-}
-
 }  // namespace

@@ -8,6 +8,7 @@
 #include <functional>
 #include <initializer_list>
 #include <string>
+#include <vector>
 
 #include "Device.h"
 #include "Q7CalAPI.h"
@@ -31,6 +32,10 @@ protected:
     void TearDown() override;
     // The device behind hCal, for forcing values and checking its state.
     q7sim::Device &device();
+    // Every DSD store of the device: the three NVM sections, then the DSD buffer.
+    std::vector<uint8_t> DsdStores();
+    // What Q7_ReadDSDBytes reads at the address (the read must succeed).
+    std::vector<uint8_t> ReadDsd(uint32_t address, uint32_t count);
 
     CalInterfaceHandle hCal = nullptr;
 };

@@ -1,0 +1,148 @@
+/* The configuration and Rx group tests of the automated run. */
+#include <stdio.h>
+
+#include "automated.h"
+#include "commands.h"
+#include "connection.h"
+
+/* One band write/read-back check: the write line is printed by the caller. */
+static void CheckBandConfig(CalInterfaceHandle hCal, uint32_t u32FreqKHz, uint32_t u32BandwidthKHz)
+{
+    uint32_t u32ReadFreqKHz = 0;
+    uint32_t u32ReadBandwidthKHz = 0;
+
+    ReportTestError(Q7_SetBandConfig(hCal, u32FreqKHz, u32BandwidthKHz));
+    (void)Q7_ForceReSync(hCal);
+    Q7_SleepMs(500);
+    ReportTestError(Q7_GetBandConfig(hCal, &u32ReadFreqKHz, &u32ReadBandwidthKHz));
+    printf("Read:  Freq = %7u - BW = %5u ", u32ReadFreqKHz, u32ReadBandwidthKHz);
+    printf("%s\n", Verdict(u32ReadFreqKHz == u32FreqKHz && u32ReadBandwidthKHz == u32BandwidthKHz));
+}
+
+int AutomatedConfigurationGroupTest(CalInterfaceHandle hCal)
+{
+    /* The band in force at the start, restored by the last check. */
+    uint32_t u32SavedFreqKHz = 0;
+    uint32_t u32SavedBandwidthKHz = 0;
+
+    printf("\n");
+    PrintTestHeading("CONFIGURATION COMMAND GROUP");
+    PrintTestHeading("Get/SetDeviceMode");
+    /* The engineer compares each reported mode with the pushed one. */
+    for (uint32_t u32DutMode = 0; u32DutMode <= 5; u32DutMode++) {
+        printf("\n");
+        PushDeviceMode(hCal, u32DutMode, 1, 1000, 0);
+        (void)TestGetDeviceMode(hCal);
+        PopDeviceMode(hCal, NULL, NULL, NULL, NULL);
+    }
+
+    PushDeviceMode(hCal, 4, 1, 1000, 0); /* AGC free-run for the band checks */
+    PrintTestHeading("GetBandConfig and SetBandConfig");
+    const bool bSaved = !ReportTestError(Q7_GetBandConfig(hCal, &u32SavedFreqKHz, &u32SavedBandwidthKHz));
+    printf("Read:  Freq = %7u - BW = %5u\n", u32SavedFreqKHz, u32SavedBandwidthKHz);
+
+    printf("Write: Freq = 2500000 - BW = 10000\n");
+    CheckBandConfig(hCal, 2500000, 10000);
+    printf("Write: Freq = 2533500 - BW =  5000\n");
+    CheckBandConfig(hCal, 2533500, 5000);
+    /* A band that could not be read is not written back: the zeros the
+     * locals hold are no band the device was ever in. */
+    if (bSaved) {
+        printf("Write: Freq = %7u - BW = %5u\n", u32SavedFreqKHz, u32SavedBandwidthKHz);
+        CheckBandConfig(hCal, u32SavedFreqKHz, u32SavedBandwidthKHz);
+    } else {
+        printf("Band not restored: it could not be read at the start\n");
+    }
+
+    PopDeviceMode(hCal, NULL, NULL, NULL, NULL);
+    return 0;
+}
+
+/* Writes a new gain state to one receive path (each setting moved to its next
+ * value) and checks it by reading back; the total gain is only shown. */
+static void CheckRxGainState(CalInterfaceHandle hCal, uint32_t u32Path)
+{
+    /* Zero when a read fails: the step still writes and judges. */
+    uint32_t u32ExtLna = 0;
+    uint32_t u32FeGainState = 0;
+    int32_t i32PgaIndex = 0;
+    double dTotalGain = 0.0;
+
+    ReportTestError(Q7_GetRxGainState(hCal, u32Path, &u32ExtLna, &u32FeGainState, &i32PgaIndex, &dTotalGain));
+    printf("Read  path %u: Ext LNA=%u - LNA=%u - PGA=%2u - Total=%g\n", u32Path, u32ExtLna, u32FeGainState,
+           (uint32_t)i32PgaIndex, dTotalGain);
+
+    const uint32_t u32NewExtLna = 1 - u32ExtLna;
+    const uint32_t u32NewFeGainState = (u32FeGainState + 1) % 3;
+    const uint32_t u32NewPgaIndex = ((uint32_t)i32PgaIndex + 5) & 0x1F;
+    printf("Wrote path %u: Ext LNA=%u - LNA=%u - PGA=%2u\n", u32Path, u32NewExtLna, u32NewFeGainState,
+           u32NewPgaIndex);
+    ReportTestError(Q7_SetRxGainState(hCal, u32Path, u32NewExtLna, u32NewFeGainState, (int32_t)u32NewPgaIndex));
+
+    uint32_t u32ReadExtLna = 0;
+    uint32_t u32ReadFeGainState = 0;
+    int32_t i32ReadPgaIndex = 0;
+    ReportTestError(
+        Q7_GetRxGainState(hCal, u32Path, &u32ReadExtLna, &u32ReadFeGainState, &i32ReadPgaIndex, &dTotalGain));
+    printf("Read  path %u: Ext LNA=%u - LNA=%u -PGA=%2u - Total=%g -- ", u32Path, u32ReadExtLna,
+           u32ReadFeGainState, (uint32_t)i32ReadPgaIndex, dTotalGain);
+    printf("%s\n\n", Verdict(u32ReadExtLna == u32NewExtLna && u32ReadFeGainState == u32NewFeGainState &&
+                             (uint32_t)i32ReadPgaIndex == u32NewPgaIndex));
+}
+
+int AutomatedRxGroupTest(CalInterfaceHandle hCal)
+{
+    /* Zero when a read fails. */
+    uint32_t u32DutMode = 0;
+    uint32_t u32ModulationType = 0;
+    int32_t i32CwOffsetKHz = 0;
+    uint32_t u32LoopbackTx = 0;
+
+    printf("\n");
+    PrintTestHeading("GetRxAntConfig and SetRxAntConfig");
+    (void)TestGetRxAntConfig(hCal);
+    printf("Setting to 0\n");
+    ReportTestError(Q7_SetRxAntConfig(hCal, 0));
+    (void)TestGetRxAntConfig(hCal);
+    printf("Setting to 2\n");
+    ReportTestError(Q7_SetRxAntConfig(hCal, 2));
+    (void)TestGetRxAntConfig(hCal);
+
+    (void)TestIsSync(hCal);
+    (void)TestForceReSync(hCal);
+
+    PrintTestHeading("GetRxGainState and SetRxGainState");
+    (void)Q7_GetDeviceMode(hCal, &u32DutMode, &u32ModulationType, &i32CwOffsetKHz, &u32LoopbackTx);
+    printf("Device mode \t= %u\n", u32DutMode);
+    printf("Modulation type = %u\n", u32ModulationType);
+    printf("CW Offset\t\t= %u KHz\n", (uint32_t)i32CwOffsetKHz);
+    printf("Loopback Tx Type = %u\n", u32LoopbackTx);
+    /* Calibration mode, set past the stack: the pop after the CINR read ends it. */
+    (void)Q7_SetDeviceMode(hCal, 1, 0, 1000, 0);
+    printf("Set dev mode\t\t= %u\n", 1u);
+    printf("Set mod type\t\t= %u\n", 0u);
+    printf("Set CW Offset\t\t= %u KHz\n", 1000u);
+    printf("Set Loopback Tx Type= %u\n", 0u);
+    (void)Q7_GetDeviceMode(hCal, &u32DutMode, &u32ModulationType, &i32CwOffsetKHz, &u32LoopbackTx);
+    printf("Device mode \t\t= %u\n", u32DutMode);
+    printf("Modulation type \t= %u\n", u32ModulationType);
+    printf("CW Offset\t\t\t= %u KHz\n", (uint32_t)i32CwOffsetKHz);
+    printf("Loopback Tx Type\t= %u\n", u32LoopbackTx);
+    CheckRxGainState(hCal, 0);
+    CheckRxGainState(hCal, 1);
+
+    PrintTestHeading("GetRSSIReport and related commands");
+    (void)TestGetRSSIReport(hCal); /* still in Calibration mode */
+    PushDeviceMode(hCal, 0, 0, 1000, 0); /* Normal, 4 QAM */
+    (void)TestGetCINR(hCal);
+    PopDeviceMode(hCal, NULL, NULL, NULL, NULL);
+    PushDeviceMode(hCal, 4, 0, 1000, 0); /* AGC free-run, 4 QAM */
+    (void)TestGetPerAntThermalNoise(hCal);
+    PopDeviceMode(hCal, NULL, NULL, NULL, NULL);
+
+    PrintTestHeading("GetFrameErrorStatistics and ResetFrameErrorStatistics");
+    (void)TestGetFrameErrorStatistics(hCal);
+    (void)TestResetFrameErrorStatistics(hCal);
+    (void)TestGetFrameErrorStatistics(hCal);
+    return 0;
+}

@@ -1,0 +1,91 @@
+/* The automated test driver and the device-mode stack. */
+#include <stdio.h>
+
+#include "automated.h"
+#include "console.h"
+
+DeviceMode astDeviceModeStack[DEVICE_MODE_STACK_RECORDS];
+uint32_t u32DeviceModeStackPointer = 0;
+
+void PushDeviceMode(CalInterfaceHandle hCal, uint32_t u32DutMode, uint32_t u32ModulationType,
+                    int32_t i32CwOffsetKHz, uint32_t u32LoopbackTx)
+{
+    if (u32DeviceModeStackPointer >= DEVICE_MODE_STACK_RECORDS - 1) {
+        printf("ERROR: Device mode stack OVERFLOW\n");
+        return;
+    }
+    u32DeviceModeStackPointer++;
+    astDeviceModeStack[u32DeviceModeStackPointer] =
+        DeviceMode{u32DutMode, u32ModulationType, i32CwOffsetKHz, u32LoopbackTx};
+    /* The record stays pushed whatever the device answers. */
+    (void)Q7_SetDeviceMode(hCal, u32DutMode, u32ModulationType, i32CwOffsetKHz, u32LoopbackTx);
+    printf("Push[%2d] - set device mode: mode = %u modulation = %u CW Offset=%u LoopbackTX=%u \n",
+           (int)u32DeviceModeStackPointer, u32DutMode, u32ModulationType, (uint32_t)i32CwOffsetKHz, u32LoopbackTx);
+}
+
+void PopDeviceMode(CalInterfaceHandle hCal, uint32_t *pu32DutMode, uint32_t *pu32ModulationType,
+                   int32_t *pi32CwOffsetKHz, uint32_t *pu32LoopbackTx)
+{
+    if (u32DeviceModeStackPointer == 0) {
+        printf("ERROR: Device mode stack UNDERFLOW\n");
+        return;
+    }
+    u32DeviceModeStackPointer--;
+    const DeviceMode stMode = astDeviceModeStack[u32DeviceModeStackPointer];
+    /* Re-applied even if the device is in that mode already, so a pop also
+     * undoes a mode set directly after the matching push. */
+    (void)Q7_SetDeviceMode(hCal, stMode.u32DutMode, stMode.u32ModulationType, stMode.i32CwOffsetKHz,
+                           stMode.u32LoopbackTx);
+    printf("Pop[%2d] - set device mode: mode = %u modulation = %u CW Offset=%u LoopbackTX=%u \n",
+           (int)u32DeviceModeStackPointer, stMode.u32DutMode, stMode.u32ModulationType,
+           (uint32_t)stMode.i32CwOffsetKHz, stMode.u32LoopbackTx);
+    if (pu32DutMode != NULL)
+        *pu32DutMode = stMode.u32DutMode;
+    if (pu32ModulationType != NULL)
+        *pu32ModulationType = stMode.u32ModulationType;
+    if (pi32CwOffsetKHz != NULL)
+        *pi32CwOffsetKHz = stMode.i32CwOffsetKHz;
+    if (pu32LoopbackTx != NULL)
+        *pu32LoopbackTx = stMode.u32LoopbackTx;
+}
+
+int AutomatedTest(CalInterfaceHandle hCal)
+{
+    static int (*const apfnGroupTests[])(CalInterfaceHandle) = {
+        AutomatedConfigurationGroupTest, AutomatedRxGroupTest,           AutomatedTxGroupTest,
+        AutomatedLoopbackGroupTest,      AutomatedOtherCommandGroupTest, AutomatedDSDManagementGroupTest,
+        AutomatedDSDReadWriteGroupTest,
+    };
+
+    PushDeviceMode(hCal, 4, 1, 1000, 0); /* AGC free-run, 16 QAM */
+    for (size_t i = 0; i < sizeof apfnGroupTests / sizeof apfnGroupTests[0]; i++) {
+        (void)apfnGroupTests[i](hCal); /* a failing group never ends the run */
+        PressEnterToContinue();
+        /* The next group starts only after Enter: once input has ended the
+         * remaining groups are abandoned and the device mode restored. */
+        if (InputEnded() && i + 1 < sizeof apfnGroupTests / sizeof apfnGroupTests[0]) {
+            printf("\nEnd of input: command abandoned.\n");
+            break;
+        }
+    }
+    PopDeviceMode(hCal, NULL, NULL, NULL, NULL);
+    return 0;
+}
+
+void PrintTestHeading(const char *sTitle)
+{
+    printf("\n%s Testing %s\n", "-------------", sTitle);
+}
+
+bool ReportTestError(ApiStatus status)
+{
+    if (status == NULL)
+        return false;
+    printf("ERROR: %s\n", status);
+    return true;
+}
+
+const char *Verdict(bool bPass)
+{
+    return bPass ? "PASS" : "FAIL";
+}

@@ -1,0 +1,308 @@
+// The automated test against the simulated device, with a sleep that returns
+// at once: the device-mode stack, whole runs on a healthy device, and each
+// read-back fault showing FAIL at its own check while the run goes on.
+#include <gtest/gtest.h>
+
+#include <sstream>
+#include <string>
+#include <vector>
+
+#include "SimControl.h"
+#include "automated.h"
+#include "console_capture.h"
+
+namespace {
+
+using q7sim::control::FailNext;
+using q7sim::control::IgnoreNext;
+using q7sim::control::SkewOutput;
+
+// The answers of a whole run: Enter after each group and at the pause inside
+// the other-command group, and load mode 1 for LoadDSD.
+const char kRunAnswers[] = "\n\n\n\n\n\n1\n\n\n";
+const char kFinalPop[] = "Pop[ 0] - set device mode: mode = 0 modulation = 0 CW Offset=0 LoopbackTX=0 \n";
+
+class AutomatedTestTest : public SimulatedDeviceTest {
+protected:
+    void SetUp() override
+    {
+        SimulatedDeviceTest::SetUp();
+        ASSERT_EQ(u32DeviceModeStackPointer, 0u);
+    }
+    void TearDown() override
+    {
+        EXPECT_EQ(u32DeviceModeStackPointer, 0u) << "every push needs its pop";
+        SimulatedDeviceTest::TearDown();
+    }
+
+    std::string Run(const std::string &answers = kRunAnswers)
+    {
+        HandlerRun run = RunHandler(AutomatedTest, hCal, answers);
+        EXPECT_EQ(run.result, 0);
+        EXPECT_TRUE(EndsWith(run.output, kFinalPop)) << "the run must go on to its final pop";
+        return run.output;
+    }
+
+    q7sim::DeviceMode Mode() { return device().modes.mode(); }
+
+    void ExpectMode(uint32_t dutMode, uint32_t modulation, int32_t cwOffset, uint32_t loopbackTx)
+    {
+        q7sim::DeviceMode mode = Mode();
+        EXPECT_EQ(mode.dutMode, dutMode);
+        EXPECT_EQ(mode.modulationType, modulation);
+        EXPECT_EQ(mode.cwOffsetKHz, cwOffset);
+        EXPECT_EQ(mode.loopbackTx, loopbackTx);
+    }
+};
+
+std::vector<std::string> LinesStartingWith(const std::string &text, const std::vector<std::string> &prefixes)
+{
+    std::vector<std::string> lines;
+    std::istringstream in(text);
+    for (std::string line; std::getline(in, line);)
+        for (const std::string &prefix : prefixes)
+            if (line.compare(0, prefix.size(), prefix) == 0)
+                lines.push_back(line);
+    return lines;
+}
+
+// ---- The device-mode stack ----
+
+TEST_F(AutomatedTestTest, TheFirstPushIsIndexOneAndItsPopReappliesTheBaseRecord)
+{
+    std::string pushed = RunWithInput("", [&] { PushDeviceMode(hCal, 4, 1, 1000, 0); });
+    EXPECT_EQ(pushed, "Push[ 1] - set device mode: mode = 4 modulation = 1 CW Offset=1000 LoopbackTX=0 \n");
+    ExpectMode(4, 1, 1000, 0);
+    EXPECT_EQ(RunWithInput("", [&] { PopDeviceMode(hCal, nullptr, nullptr, nullptr, nullptr); }), kFinalPop);
+    ExpectMode(0, 0, 0, 0);
+}
+
+TEST_F(AutomatedTestTest, FifteenPushesFitAndTheSixteenthOverflowsWithoutTouchingTheDevice)
+{
+    std::string output = RunWithInput("", [&] {
+        for (uint32_t i = 1; i <= 15; i++)
+            PushDeviceMode(hCal, i % 6, i % 3, static_cast<int32_t>(i * 100), i % 4);
+    });
+    EXPECT_TRUE(EndsWith(output, "Push[15] - set device mode: mode = 3 modulation = 0 CW Offset=1500 LoopbackTX=3 \n"));
+    ExpectMode(3, 0, 1500, 3);
+
+    output = RunWithInput("", [&] { PushDeviceMode(hCal, 1, 1, 1, 1); });
+    EXPECT_EQ(output, "ERROR: Device mode stack OVERFLOW\n");
+    EXPECT_EQ(u32DeviceModeStackPointer, 15u);
+    ExpectMode(3, 0, 1500, 3);
+
+    output = RunWithInput("", [&] { PopDeviceMode(hCal, nullptr, nullptr, nullptr, nullptr); });
+    EXPECT_EQ(output, "Pop[14] - set device mode: mode = 2 modulation = 2 CW Offset=1400 LoopbackTX=2 \n");
+    ExpectMode(2, 2, 1400, 2);
+
+    output = RunWithInput("", [&] {
+        for (int i = 0; i < 14; i++)
+            PopDeviceMode(hCal, nullptr, nullptr, nullptr, nullptr);
+    });
+    EXPECT_TRUE(EndsWith(output, kFinalPop));
+}
+
+TEST_F(AutomatedTestTest, APopHandsOutTheRecordBeneathAndAnEmptyStackUnderflows)
+{
+    uint32_t dutMode = 99, modulation = 99, loopbackTx = 99;
+    int32_t cwOffset = 99;
+    RunWithInput("", [&] {
+        PushDeviceMode(hCal, 5, 2, 300, 1);
+        PushDeviceMode(hCal, 2, 0, 1000, 0);
+    });
+    // A mode set past the stack is undone by the pop all the same.
+    ASSERT_EQ(Q7_SetDeviceMode(hCal, 1, 0, 1000, 0), nullptr);
+    RunWithInput("", [&] { PopDeviceMode(hCal, &dutMode, &modulation, &cwOffset, &loopbackTx); });
+    EXPECT_EQ((std::vector<uint32_t>{dutMode, modulation, static_cast<uint32_t>(cwOffset), loopbackTx}),
+              (std::vector<uint32_t>{5, 2, 300, 1}));
+    ExpectMode(5, 2, 300, 1);
+
+    RunWithInput("", [&] { PopDeviceMode(hCal, &dutMode, nullptr, &cwOffset, nullptr); });
+    EXPECT_EQ(dutMode, 0u);
+    EXPECT_EQ(cwOffset, 0);
+    EXPECT_EQ(modulation, 2u) << "a null out-pointer is skipped";
+
+    dutMode = modulation = loopbackTx = 77;
+    cwOffset = 77;
+    std::string output = RunWithInput("", [&] { PopDeviceMode(hCal, &dutMode, &modulation, &cwOffset, &loopbackTx); });
+    EXPECT_EQ(output, "ERROR: Device mode stack UNDERFLOW\n");
+    EXPECT_EQ((std::vector<uint32_t>{dutMode, modulation, static_cast<uint32_t>(cwOffset), loopbackTx}),
+              (std::vector<uint32_t>{77, 77, 77, 77}));
+    EXPECT_EQ(u32DeviceModeStackPointer, 0u);
+}
+
+// ---- Whole runs on a healthy device ----
+
+TEST_F(AutomatedTestTest, AHealthyDevicePassesEveryCheckAndEndsInNormalModeTwiceOver)
+{
+    const std::string first = Run();
+    // 3 band, 2 gain-state, 2 attenuator, 3 power, 3 switch, 2 LED, 4 register checks.
+    EXPECT_EQ(Count(first, "PASS"), 19u);
+    EXPECT_EQ(Count(first, "FAIL"), 0u);
+    ExpectMode(0, 0, 0, 0);
+
+    const std::string second = Run();
+    EXPECT_EQ(LinesStartingWith(second, {"Push[", "Pop["}), LinesStartingWith(first, {"Push[", "Pop["}));
+    EXPECT_EQ(Count(second, "PASS"), 19u);
+}
+
+TEST_F(AutomatedTestTest, EndOfInputAtAPauseAbandonsTheGroupsLeftAndRestoresTheMode)
+{
+    std::string output = Run("\n");
+    EXPECT_TRUE(Contains(output, "Testing GetRSSIReport and related commands"));
+    EXPECT_TRUE(EndsWith(output, "\nPress Enter to continue\n\nEnd of input: command abandoned.\n" +
+                                     std::string(kFinalPop)));
+    EXPECT_FALSE(Contains(output, "TX COMMAND GROUP"));
+    ExpectMode(0, 0, 0, 0);
+}
+
+// ---- Read-back faults: FAIL at the check concerned, the run goes on ----
+
+TEST_F(AutomatedTestTest, BandFaultsFailTheirCheckAndTheSavedBandIsStillWrittenBack)
+{
+    IgnoreNext("Q7_SetBandConfig", 2);
+    std::string output = Run();
+    EXPECT_TRUE(Contains(output, "Write: Freq = 2500000 - BW = 10000\nRead:  Freq = 2500000 - BW = 10000 PASS\n"
+                                 "Write: Freq = 2533500 - BW =  5000\nRead:  Freq = 2500000 - BW = 10000 FAIL\n"
+                                 "Write: Freq = 2500000 - BW = 10000\nRead:  Freq = 2500000 - BW = 10000 PASS\n"));
+
+    q7sim::control::Reset();
+    SetUp();
+    SkewOutput("Q7_GetBandConfig", 1, 1500);  // the bandwidth reads 1.5 MHz wide
+    output = Run();
+    EXPECT_TRUE(Contains(output, "Read:  Freq = 2500000 - BW = 11500\n"
+                                 "Write: Freq = 2500000 - BW = 10000\nRead:  Freq = 2500000 - BW = 11500 FAIL\n"
+                                 "Write: Freq = 2533500 - BW =  5000\nRead:  Freq = 2533500 - BW =  6500 FAIL\n"
+                                 "Write: Freq = 2500000 - BW = 11500\n"));
+}
+
+TEST_F(AutomatedTestTest, ABandThatCannotBeReadAtTheStartIsNotWrittenBack)
+{
+    FailNext("Q7_GetBandConfig", 1, "Device fault");
+    std::string output = Run();
+    EXPECT_TRUE(Contains(output, "ERROR: Device fault\nRead:  Freq =       0 - BW =     0\n"));
+    EXPECT_TRUE(Contains(output, "Read:  Freq = 2533500 - BW =  5000 PASS\n"
+                                 "Band not restored: it could not be read at the start\n"));
+}
+
+TEST_F(AutomatedTestTest, AWrongPgaIndexFailsButAWrongTotalGainAloneStillPasses)
+{
+    SkewOutput("Q7_GetRxGainState", 2, 1);
+    std::string output = Run();
+    // Read 15 (the device holds 14), so 20 is written and read back as 21.
+    EXPECT_TRUE(Contains(output, "Read  path 0: Ext LNA=0 - LNA=2 - PGA=15 - Total="));
+    EXPECT_TRUE(Contains(output, "Wrote path 0: Ext LNA=1 - LNA=0 - PGA=20\n"));
+    EXPECT_EQ(LinesStartingWith(output, {"Read  path 1: Ext LNA=1"}).back().substr(0, 39),
+              "Read  path 1: Ext LNA=1 - LNA=0 -PGA=21");
+    EXPECT_EQ(Count(output, " -- FAIL\n\n"), 2u);
+
+    q7sim::control::Reset();
+    SetUp();
+    SkewOutput("Q7_GetRxGainState", 3, 0.5);
+    output = Run();
+    EXPECT_EQ(Count(output, " -- PASS\n\n"), 2u);
+}
+
+TEST_F(AutomatedTestTest, TxReadBacksThatDifferInAnyBitFail)
+{
+    SkewOutput("Q7_GetTxAttn", 0, 0.125);          // one baseband step off
+    SkewOutput("Q7_GetTxOutputPower", 0, -0.01);    // 19.99 for 20
+    SkewOutput("Q7_GetTxDiversitySwitch", 0, 1);    // antenna 2 for antenna 1
+    std::string output = Run();
+    EXPECT_TRUE(Contains(output, "= Disabled (0)\nFAIL\n"));
+    EXPECT_TRUE(Contains(output, "= Enabled (1)\nFAIL\n"));
+    EXPECT_TRUE(Contains(output, "Setting power to +20 dBm ...Read 19.99 dBm  FAIL\n"));
+    EXPECT_TRUE(Contains(output, "Setting switch to 0 (antenna 1) ...Read 1  FAIL\n"));
+    EXPECT_TRUE(Contains(output, "Setting switch to 1 (antenna 2) ...Read 2  FAIL\n"));
+}
+
+TEST_F(AutomatedTestTest, ARefusedWriteShowsItsErrorBetweenAnnouncementAndVerdict)
+{
+    FailNext("Q7_SetTxOutputPower", 1, "Device fault");
+    std::string output = Run();
+    EXPECT_TRUE(Contains(output, "Setting power to +20 dBm ...ERROR: Device fault\nRead   0 dBm  FAIL\n"
+                                 "Setting power to -20 dBm ...Read -20 dBm  PASS\n"));
+}
+
+TEST_F(AutomatedTestTest, AStuckLedPinFailsTheLedTestItCannotFollow)
+{
+    q7sim::control::StickGpioPin(11, 0);
+    std::string output = Run();
+    EXPECT_TRUE(Contains(output, "GPIO LED write 0 test: PASS\n"));
+    EXPECT_TRUE(Contains(output, "GPIO LED write 1 test: FAIL\n"));
+}
+
+TEST_F(AutomatedTestTest, ARegisterThatIgnoresWritesFailsUntilItsOwnValueIsWrittenBack)
+{
+    uint32_t saved = 0;
+    ASSERT_EQ(Q7_ReadRFICRegister(hCal, 0, 30, 1, &saved), nullptr);
+    char expected[200];
+    snprintf(expected, sizeof expected,
+             "Wrote 0x0000 to Reg 30 - Read back %04X - FAIL\nWrote 0x0000 to Reg 30 - Read back %04X - FAIL\n"
+             "Wrote 0xffff to Reg 30 - Read back %04X - FAIL\nWrote 0x%04X to Reg 30 - Read back %04X - PASS\n",
+             saved, saved, saved, saved, saved);
+    IgnoreNext("Q7_WriteRFICRegister", 3);
+    EXPECT_TRUE(Contains(Run(), expected));
+
+    FailNext("Q7_ReadRFICRegister", 2, "Device fault");  // the chip ID and the saved value
+    std::string output = Run();
+    EXPECT_TRUE(Contains(output, "ERROR: Device fault\nRFIC ID = 0000\n"));
+    EXPECT_TRUE(Contains(output, "Read back FFFF - PASS\nReg 30 not restored: it could not be read at the start\n"));
+}
+
+TEST_F(AutomatedTestTest, AFailingSpectrumResetEndsOnlyItsGroup)
+{
+    FailNext("Q7_ResetRxSpectrum", 1, "Device fault");
+    std::string output = Run();
+    EXPECT_TRUE(Contains(output, "Setting symbol index to be captured to 1\nERROR: Device fault\n\nPress Enter"));
+    EXPECT_FALSE(Contains(output, "Get Version Information Command"));
+    EXPECT_TRUE(Contains(output, "Testing DSD Management Commands"));
+}
+
+// ---- The loopback group stops at its first failing calibration ----
+
+TEST_F(AutomatedTestTest, AFailingCalibrationStopsTheLoopbackGroupAfterItsPops)
+{
+    const std::string loopback = "Pop[ 1] - set device mode: mode = 5 modulation = 0 CW Offset=1000 LoopbackTX=0 \n";
+    struct Stop {
+        const char *operation;
+        std::string tail;
+    } stops[] = {
+        {"Q7_CalibrateTxPoutFreqCorr", "Setting cable losses to 20 dB\n\nERROR: Device fault\n" + std::string(kFinalPop)},
+        {"Q7_CalibrateFESteps", "set to -40 dBm\n\nERROR: Device fault\n" + loopback + kFinalPop},
+        {"Q7_CalibrateTxExtAttnStep", "Active Transmitter set to 0\n\nERROR: Device fault\n" + std::string(kFinalPop)},
+    };
+    for (const Stop &stop : stops) {
+        FailNext(stop.operation, 1, "Device fault");
+        HandlerRun run = RunHandler(AutomatedLoopbackGroupTest, hCal);
+        EXPECT_EQ(run.result, -1) << stop.operation;
+        EXPECT_TRUE(EndsWith(run.output, stop.tail)) << stop.operation << run.output;
+        EXPECT_EQ(u32DeviceModeStackPointer, 0u) << stop.operation;
+        ExpectMode(0, 0, 0, 0);
+    }
+
+    FailNext("Q7_CalibrateFESteps", 1, "Device fault");
+    std::string output = Run();
+    EXPECT_FALSE(Contains(output, "Tx Ext Attn Step[ 0]"));
+    EXPECT_TRUE(Contains(output, "Testing ReadGPIOState"));
+    EXPECT_EQ(Count(output, "PASS"), 19u);
+}
+
+// ---- The DSD dumps ----
+
+TEST_F(AutomatedTestTest, FailedDsdReadsStillDumpTheirClearedBuffers)
+{
+    FailNext("Q7_ReadDSDBytes", 1, "Device fault");
+    FailNext("Q7_GetDSDRegionSizeByID", 1, "Device fault");
+    std::string output = Run();
+    std::string zeros;
+    for (int i = 0; i < 16; i++)
+        zeros += "00 ";
+    EXPECT_TRUE(Contains(output, "Test block size = 256 bytes\nERROR: Device fault\n\n0200: " + zeros));
+    EXPECT_TRUE(Contains(output, "\n02F0: " + zeros + "\n"));
+    // A failed size query leaves the size at 0: nothing is dumped.
+    EXPECT_TRUE(Contains(output, "\nRegion ID = 1 - Region size = 0 bytes\n"));
+    EXPECT_TRUE(Contains(output, "Read 0 bytes\n\n\nRegion ID = 2 - "));
+}
+
+}  // namespace

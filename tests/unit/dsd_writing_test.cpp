@@ -1,0 +1,353 @@
+#include <gtest/gtest.h>
+
+#include <cstring>
+#include <string>
+#include <vector>
+
+#include "SimControl.h"
+#include "commands.h"
+#include "console_capture.h"
+
+namespace {
+
+using q7sim::Nvm;
+
+class DsdWritingTest : public SimulatedDeviceTest {
+protected:
+    std::vector<uint8_t> Region(int32_t id)
+    {
+        uint32_t size = 0;
+        EXPECT_EQ(Q7_GetDSDRegionSizeByID(hCal, id, &size), nullptr);
+        std::vector<uint8_t> bytes(size);
+        uint32_t returned = 0;
+        EXPECT_EQ(Q7_ReadDSDRegionByID(hCal, id, size, bytes.data(), &returned), nullptr);
+        return bytes;
+    }
+
+    void SetNvmMode(uint32_t mode) { ASSERT_EQ(Q7_SetOptionByID(hCal, Q7_OPTION_NVM_MODE, mode), nullptr); }
+};
+
+// Answers: block "address words auto restore pattern... verify"; bytes the
+// same with a byte size; Flash 2.x "offset size mode kB priority auto restore
+// pattern... verify"; region "id auto count verify restore".
+
+TEST_F(DsdWritingTest, EveryWriteWithVerifyAndRestoreLeavesEveryStoreAsItWas)
+{
+    struct Case {
+        int (*handler)(CalInterfaceHandle);
+        uint32_t nvmMode;
+        const char *input;
+        const char *success;
+    };
+    const Case cases[] = {
+        {TestWriteDSDBlock, 0, "100\n8\n1\n1\n1\n1\n", "WriteDSDBlock"},
+        {TestWriteDSDBlock, 1, "0\n16\n1\n1\n1\n1\n", "WriteDSDBlock"},
+        {TestWriteDSDBytes, 0, "7FF0\n40\n1\n1\n1\n1\n", "TestWriteDSDBytes"},
+        {TestWriteDSDBytes, 2, "10\n33\n1\n1\n2\nFE\n1\n1\n", "TestWriteDSDBytes"},
+        {TestWriteFlash2xBytesWithHeader, 0, "100\n16\n1\n4\n3\n1\n1\n1\n1\n", "TestWriteFlash2xBytesWithHeader"},
+        {TestWriteFlash2xBytesWithHeader, 0, "FBF0\n16\n2\n32\n7\n1\n1\n1\n1\n", "TestWriteFlash2xBytesWithHeader"},
+        {TestWriteDSDRegionByID, 0, "4\n1\n10\n1\n1\n", "WriteDSDRegionByID"},
+        {TestWriteDSDRegionByID, 1, "7\n1\n0\n1\n1\n", "WriteDSDRegionByID"},
+    };
+    for (const Case &c : cases) {
+        SetNvmMode(c.nvmMode);
+        std::vector<uint8_t> before = DsdStores();
+        HandlerRun run = RunHandler(c.handler, hCal, c.input);
+        EXPECT_EQ(run.result, 0) << c.input << run.output;
+        EXPECT_TRUE(EndsWith(run.output, "\n" + std::string(c.success) + " was SUCCESSFUL.\n")) << run.output;
+        EXPECT_TRUE(Contains(run.output, "\n0 verify errors.\n")) << run.output;
+        EXPECT_TRUE(DsdStores() == before) << c.success << " with " << c.input;
+    }
+}
+
+TEST_F(DsdWritingTest, WritesWithoutRestoreReadBackAsWritten)
+{
+    // Increments wrap modulo 2^32 for words and keep the low 8 bits for bytes.
+    ASSERT_EQ(RunHandler(TestWriteDSDBlock, hCal, "200\n4\n1\n0\n2\nFFFFFFFE\n1\n0\n").result, 0);
+    EXPECT_EQ(ReadDsd(0x200, 16), (std::vector<uint8_t>{0xFE, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0, 0, 0, 0, 1,
+                                                      0, 0, 0}));
+    ASSERT_EQ(RunHandler(TestWriteDSDBytes, hCal, "300\n4\n1\n0\n2\nFE\n1\n0\n").result, 0);
+    EXPECT_EQ(ReadDsd(0x300, 4), (std::vector<uint8_t>{0xFE, 0xFF, 0x00, 0x01}));
+    ASSERT_EQ(RunHandler(TestWriteDSDBytes, hCal, "310\n2\n1\n0\n0\n1A5\n7\n0\n").result, 0);
+    EXPECT_EQ(ReadDsd(0x310, 2), (std::vector<uint8_t>{0xA5, 0x07}));
+
+    // Region 4 keeps its first three bytes; the rest past the bytes written reads 0.
+    std::vector<uint8_t> before = Region(4);
+    HandlerRun run = RunHandler(TestWriteDSDRegionByID, hCal, "4\n1\n10\n1\n0\n");
+    ASSERT_EQ(run.result, 0) << run.output;
+    EXPECT_TRUE(Contains(run.output, "\nLeaving the first 3 bytes unchanged.\nWriting random data = 7 bytes\n"));
+    std::vector<uint8_t> after = Region(4);
+    ASSERT_EQ(after.size(), before.size());
+    EXPECT_TRUE(std::equal(before.begin(), before.begin() + 3, after.begin()));
+    EXPECT_EQ(std::vector<uint8_t>(after.begin() + 10, after.end()), std::vector<uint8_t>(after.size() - 10, 0));
+
+    // An answer above the region size writes the whole region.
+    size_t size7 = Region(7).size();
+    run = RunHandler(TestWriteDSDRegionByID, hCal, "7\n1\n5000\n1\n0\n");
+    EXPECT_TRUE(Contains(run.output, "Writing random data = " + std::to_string(size7) + " bytes\n")) << run.output;
+    EXPECT_EQ(run.result, 0);
+}
+
+TEST_F(DsdWritingTest, TheFlash2xImageHoldsTheDataTheGapAndTheBigEndianHeader)
+{
+    std::vector<uint8_t> before = ReadDsd(0, 65536);
+    HandlerRun run = RunHandler(TestWriteFlash2xBytesWithHeader, hCal, "100\n16\n1\n4\n3\n1\n0\n3\n5A\n1\n");
+    ASSERT_EQ(run.result, 0) << run.output;
+    EXPECT_TRUE(Contains(run.output, "\nRead 65536 bytes from dev data memory\n\n    Data pattern")) << run.output;
+    std::vector<uint8_t> image = ReadDsd(0, 65536);
+    EXPECT_TRUE(std::equal(image.begin(), image.begin() + 256, before.begin()));
+    EXPECT_EQ(std::vector<uint8_t>(image.begin() + 256, image.begin() + 272), std::vector<uint8_t>(16, 0x5A));
+    EXPECT_EQ(std::vector<uint8_t>(image.begin() + 272, image.begin() + 64512), std::vector<uint8_t>(64240, 0xFF));
+    std::vector<uint8_t> header(image.begin() + 64512, image.end());
+    std::vector<uint8_t> expected(1024, 0xFF);
+    const uint8_t fields[] = {0x00, 0x00, 0x10, 0x00, 0xFF, 0xFF, 0xFF, 0xFF, 0x00, 0x00, 0x00, 0x03};
+    std::memcpy(expected.data(), fields, sizeof fields);
+    const uint8_t magic[] = {0x7E, 0x1A, 0x0D, 0x5D};
+    std::memcpy(expected.data() + 1020, magic, sizeof magic);
+    EXPECT_EQ(header, expected);
+
+    // Write mode 2 keeps the gap as the image held it.
+    before = image = ReadDsd(0, 65536);
+    std::memset(before.data() + 0x2000, 0x11, 0x100);
+    uint32_t written = 0;
+    ASSERT_EQ(Q7_WriteDSDBytes(hCal, Q7_RequestDSDWriteKey(hCal), before.data() + 0x2000, 0x100, 0x2000, &written),
+              nullptr);
+    run = RunHandler(TestWriteFlash2xBytesWithHeader, hCal, "100\n16\n2\n4\n3\n1\n0\n3\n5A\n1\n");
+    ASSERT_EQ(run.result, 0) << run.output;
+    image = ReadDsd(0, 65536);
+    EXPECT_TRUE(std::equal(image.begin() + 272, image.begin() + 64512, before.begin() + 272));
+}
+
+TEST_F(DsdWritingTest, AFlash2xBlockThatReachesIntoTheHeaderIsReportedAndNeverRestored)
+{
+    // Ending exactly at the header: an empty gap, no overlap.
+    HandlerRun run = RunHandler(TestWriteFlash2xBytesWithHeader, hCal, "0\n64512\n1\n32\n10\n1\n1\n3\nC3\n1\n");
+    EXPECT_EQ(run.result, 0);
+    EXPECT_FALSE(Contains(run.output, "Attempt to overwrite")) << run.output;
+    EXPECT_TRUE(Contains(run.output, "\n\n0 verify errors.\n\nRestoring original DSD values ... \n"));
+
+    // One byte into it: the header laid out after the data overwrites that byte.
+    std::vector<uint8_t> before = DsdStores();
+    run = RunHandler(TestWriteFlash2xBytesWithHeader, hCal, "1\n64512\n1\n32\n10\n1\n1\n3\nC3\n1\n");
+    EXPECT_EQ(run.result, -1);
+    EXPECT_TRUE(EndsWith(run.output,
+                         "\nRead back [0000FC00] = 00 - Expected [0000FBFF] = C3 - Verify ERROR\n"
+                         "ERROR: Attempt to overwrite the Flash 2.x header block at offset = 63*1024\n"
+                         "\n\n1 verify errors.\n"
+                         "\nWARNING: Original data not restored, because verify error count > 0.\n"))
+        << run.output;
+    EXPECT_FALSE(DsdStores() == before) << "the unrestored image was reported";
+}
+
+TEST_F(DsdWritingTest, SizesBeyondTheBufferOrTheImageAreRefusedBeforeTheDeviceIsAsked)
+{
+    std::vector<uint8_t> before = DsdStores();
+    q7sim::control::FailNext("Q7_RequestDSDWriteKey", 1, "key request reached the device");
+    q7sim::control::FailNext("Q7_ReadDSDBytes", 1, "read reached the device");
+
+    HandlerRun run = RunHandler(TestWriteFlash2xBytesWithHeader, hCal, "FF00\n257\n1\n4\n3\n");
+    EXPECT_EQ(run.result, -1);
+    EXPECT_TRUE(EndsWith(run.output, "    DSD priority (0-10)        ? "
+                                     "\nERROR: Flash offset 0xFF00 + size 257 bytes goes beyond the 65536-byte DSD image\n"))
+        << run.output;
+    run = RunHandler(TestWriteFlash2xBytesWithHeader, hCal, "FFFFFFFF\n4294967295\n1\n4\n3\n");
+    EXPECT_EQ(run.result, -1) << "offset + size is summed without wrapping";
+    run = RunHandler(TestWriteDSDBlock, hCal, "0\n1073741824\n");
+    EXPECT_EQ(run.result, -1);
+    EXPECT_TRUE(EndsWith(run.output, "\nERROR: Block size of 1073741824 words is too large (at most 1073741823)\n"));
+
+    EXPECT_EQ(Q7_RequestDSDWriteKey(hCal), 0u) << "no key was requested";
+    uint8_t byte = 0;
+    EXPECT_STREQ(Q7_ReadDSDBytes(hCal, &byte, 1, 0), "read reached the device");
+    EXPECT_TRUE(DsdStores() == before);
+}
+
+TEST_F(DsdWritingTest, ABlockVerifyErrorIsReportedWordByWordAndWithholdsTheRestoreSilently)
+{
+    q7sim::control::FlipBitOnRead("Q7_ReadDSDBytes", 2, 4, 0x01);  // read 1 saves the original
+    HandlerRun run = RunHandler(TestWriteDSDBlock, hCal, "100\n2\n1\n1\n3\n12345678\n1\n");
+    EXPECT_EQ(run.result, -1);
+    EXPECT_EQ(run.output,
+              "\nWrite DSD Block:\n"
+              "\nNote: Block size is the number of 32-bit unsigned integers (not bytes).\n"
+              "    NVM mode is 0\n"
+              "   DSD address (hex) ? "
+              "    Block size (dec)          ? "
+              "\n    Auto DSD key (1=yes/0=no) ? "
+              "\n    Restore contents (1=yes/0=no) ? "
+              "\n    Data pattern (0=user 1=random 2=increment 3=constant) ? "
+              "    Constant value (hex) ? "
+              "\nNumber of 32-bit words actually written = 2\n"
+              "\n    Verify write     (1=yes/0=no) ? "
+              "\n00000104: Wrote 12345678 - Read back 12345679 - Verify ERROR"
+              "\n1 verify errors.\n");
+    EXPECT_EQ(ReadDsd(0x100, 8), (std::vector<uint8_t>{0x78, 0x56, 0x34, 0x12, 0x78, 0x56, 0x34, 0x12}));
+}
+
+TEST_F(DsdWritingTest, AByteVerifyErrorIsReportedAndTheRestoreWithheldWithAWarning)
+{
+    q7sim::control::FlipBitOnRead("Q7_ReadDSDBytes", 2, 3, 0x01);
+    HandlerRun run = RunHandler(TestWriteDSDBytes, hCal, "200\n4\n1\n1\n3\nAB\n1\n");
+    EXPECT_EQ(run.result, -1);
+    EXPECT_EQ(run.output,
+              "\nWrite DSD Bytes:\n"
+              "    NVM mode is 0\n\n"
+              "Bytes to be written:\n"
+              "    DSD address (hex) ? "
+              "    Size in bytes (dec)       ? "
+              "\n    Auto DSD key (1=yes/0=no) ? "
+              "\n    Restore contents (1=yes/0=no) ? "
+              "\nRead 4 bytes from dev data memory\n"
+              "\n    Data pattern (0=user 1=random 2=increment 3=constant) ? "
+              "    Constant value (hex) ? "
+              "\nWrote 4 bytes to dev data memory\n"
+              "\n    Verify write     (1=yes/0=no) ? "
+              "\nRead 4 bytes from dev data memory\n"
+              "\nRead back [00000003] = AA - Expected [00000003] = AB - Verify ERROR\n"
+              "\n\n1 verify errors.\n"
+              "\nWARNING: Original data not restored, because verify error count > 0.\n");
+    EXPECT_EQ(ReadDsd(0x200, 4), std::vector<uint8_t>(4, 0xAB));
+}
+
+TEST_F(DsdWritingTest, HeaderFieldsCountFourErrorsAndFillerBytesOne)
+{
+    // Image reads: 1 saves the original, 2 verifies.
+    q7sim::control::FlipBitOnRead("Q7_ReadDSDBytes", 2, 64520 + 3, 0x80);
+    HandlerRun run = RunHandler(TestWriteFlash2xBytesWithHeader, hCal, "100\n16\n1\n4\n3\n1\n0\n3\n5A\n1\n");
+    EXPECT_EQ(run.result, -1);
+    EXPECT_TRUE(EndsWith(run.output, "Header DSDImagePriority verify error:    Read back 00000083 - Expected 00000003\n"
+                                     "\n\n4 verify errors.\n"))
+        << run.output;
+
+    q7sim::control::FlipBitOnRead("Q7_ReadDSDBytes", 2, 64600, 0x01);
+    run = RunHandler(TestWriteFlash2xBytesWithHeader, hCal, "100\n16\n1\n4\n3\n1\n0\n3\n5A\n1\n");
+    EXPECT_TRUE(EndsWith(run.output, "\nRead back [0000FC58] = FE - Expected FF - Verify ERROR\n"
+                                     "\n\n1 verify errors.\n"))
+        << run.output;
+}
+
+TEST_F(DsdWritingTest, ARegionVerifyErrorStillLetsTheRegionBeRestored)
+{
+    std::vector<uint8_t> before = DsdStores();
+    std::string size = std::to_string(Region(7).size());
+    q7sim::control::FlipBitOnRead("Q7_ReadDSDRegionByID", 2, 20, 0x01);  // in the zeroed rest
+    HandlerRun run = RunHandler(TestWriteDSDRegionByID, hCal, "7\n1\n10\n1\n1\n");
+    EXPECT_EQ(run.result, -1);
+    EXPECT_EQ(run.output,
+              "\nWriteDSDRegionSizeByID:\n"
+              "Enter region ID (dec)             ? "
+              "\n    Auto DSD key (1=yes/0=no) ? "
+              "\nDSD region size = " + size + " bytes\n"
+              "\nNumber of bytes returned by ReadDSDRegionByID = " + size + " bytes\n"
+              "\nNumber of bytes to write (<= " + size + "): "
+              "Writing random data = 10 bytes\n"
+              "\nNumber of bytes actually written by WriteDSDRegionByID = 10\n"
+              "\n    Verify write     (1=yes/0=no) ? "
+              "\nNumber of bytes returned by ReadDSDRegionByID = " + size + " bytes\n"
+              "\n00000014: Wrote 00 - Read back 01 - Verify ERROR"
+              "\n\n1 verify errors.\n"
+              "\n    Restore contents (1=yes/0=no) ? "
+              "\nRestoring original DSD values ... \n"
+              "\n    Number of bytes actually written = " + size + "\n");
+    EXPECT_TRUE(DsdStores() == before);
+}
+
+TEST_F(DsdWritingTest, ARegion4ShorterThanItsKeptBytesKeepsOnlyWhatItHolds)
+{
+    // The directory entry of block 4 gives its payload a length of 2.
+    uint8_t *section = device().dsd.nvm.Section(0);
+    section[16 + 4 * 4 + 2] = 0;
+    section[16 + 4 * 4 + 3] = 2;
+    std::vector<uint8_t> before = Region(4);
+    ASSERT_EQ(before.size(), 2u);
+    HandlerRun run = RunHandler(TestWriteDSDRegionByID, hCal, "4\n1\n10\n1\n0\n");
+    EXPECT_EQ(run.result, 0) << run.output;
+    EXPECT_TRUE(Contains(run.output, "(<= 2): \nLeaving the first 2 bytes unchanged.\nWriting random data = 0 bytes\n"))
+        << run.output;
+    EXPECT_EQ(Region(4), before);
+}
+
+TEST_F(DsdWritingTest, KeysComeFromTheDeviceOrAreTypedAndARefusedKeyWritesNothing)
+{
+    q7sim::control::RefuseWriteKeys(1);
+    HandlerRun run = RunHandler(TestRequestDSDWriteKey, hCal);
+    EXPECT_EQ(run.result, -1);
+    EXPECT_EQ(run.output, "\nRequest DSD Write Key:\n    New DSD key is 00000000\n"
+                          "RequestDSDWriteKey operation FAILED with return value 0.\n");
+
+    run = RunHandler(TestRequestDSDWriteKey, hCal);
+    EXPECT_EQ(run.result, 0);
+    char typed[16];
+    ASSERT_EQ(std::sscanf(run.output.c_str(), "\nRequest DSD Write Key:\n    New DSD key is %8s", typed), 1);
+    EXPECT_TRUE(EndsWith(run.output, "\nRequestDSDWriteKey was SUCCESSFUL.\n"));
+
+    // An auto-key answer of 2 means no: the key is typed, and serves one write.
+    std::string input = "100\n1\n2\n" + std::string(typed) + "\n0\n3\n1\n0\n";
+    run = RunHandler(TestWriteDSDBlock, hCal, input);
+    EXPECT_EQ(run.result, 0) << run.output;
+    EXPECT_TRUE(Contains(run.output, "    DSD Key (hex)     ? ")) << run.output;
+    std::vector<uint8_t> before = DsdStores();
+    run = RunHandler(TestWriteDSDBlock, hCal, input);
+    EXPECT_EQ(run.result, -1);
+    EXPECT_TRUE(EndsWith(run.output, "\nWRITE ERROR: DSD write key " + std::string(typed) +
+                                         " has already been used: each key is good for one write\n"))
+        << run.output;
+
+    // A refused auto key is 0, which the write refuses.
+    q7sim::control::RefuseWriteKeys(1);
+    run = RunHandler(TestWriteDSDBytes, hCal, "100\n4\n1\n0\n3\n0\n");
+    EXPECT_EQ(run.result, -1);
+    EXPECT_TRUE(EndsWith(run.output, "\nWRITE ERROR: DSD write key 00000000 is not a key: request one with "
+                                     "Q7_RequestDSDWriteKey\n"));
+    EXPECT_TRUE(DsdStores() == before);
+}
+
+TEST_F(DsdWritingTest, FailuresEndTheCommandAndSayWhatTheStoreHolds)
+{
+    // A failed read of the original: nothing is written.
+    std::vector<uint8_t> before = DsdStores();
+    q7sim::control::FailNext("Q7_ReadDSDBytes", 1, "NVM read timed out");
+    HandlerRun run = RunHandler(TestWriteDSDBlock, hCal, "100\n2\n1\n1\n");
+    EXPECT_EQ(run.result, -1);
+    EXPECT_TRUE(EndsWith(run.output, "\n    Restore contents (1=yes/0=no) ? \nREAD ERROR: NVM read timed out\n"));
+    EXPECT_TRUE(DsdStores() == before);
+
+    // A failed verification read of a byte write follows its count line.
+    q7sim::control::FailCall("Q7_ReadDSDBytes", 2, "NVM read timed out");
+    run = RunHandler(TestWriteDSDBytes, hCal, "100\n4\n1\n1\n3\n77\n1\n");
+    EXPECT_EQ(run.result, -1);
+    EXPECT_TRUE(EndsWith(run.output, "\nRead 4 bytes from dev data memory\n\nREAD ERROR: NVM read timed out\n"));
+    EXPECT_EQ(ReadDsd(0x100, 4), std::vector<uint8_t>(4, 0x77)) << "nothing is restored";
+
+    // A failed restore leaves the new data, and says so.
+    q7sim::control::FailCall("Q7_WriteDSDBytes", 2, "NVM write failed");
+    run = RunHandler(TestWriteDSDBlock, hCal, "200\n1\n1\n1\n3\nCAFEF00D\n0\n");
+    EXPECT_EQ(run.result, -1);
+    EXPECT_TRUE(EndsWith(run.output, "\nRestoring original DSD  values ... \n\nWRITE ERROR: NVM write failed\n"));
+    EXPECT_EQ(ReadDsd(0x200, 4), (std::vector<uint8_t>{0x0D, 0xF0, 0xFE, 0xCA}));
+}
+
+TEST_F(DsdWritingTest, PatternAnswersOutsideTheFourAreAskedAgain)
+{
+    HandlerRun run = RunHandler(TestWriteDSDBlock, hCal, "100\n0\n1\n0\n7\n-1\n3\n0\n1\n");
+    EXPECT_EQ(run.result, 0) << run.output;
+    EXPECT_TRUE(Contains(run.output, "? ERROR: Invalid selection = 7\n"
+                                     "\n    Data pattern (0=user 1=random 2=increment 3=constant) ? "
+                                     "ERROR: Invalid selection = -1\n"))
+        << run.output;
+    EXPECT_TRUE(Contains(run.output, "\nNumber of 32-bit words actually written = 0\n")) << "a word count of 0";
+    EXPECT_TRUE(Contains(run.output, "\n0 verify errors.\n"));
+}
+
+TEST_F(DsdWritingTest, EndOfInputBeforeTheWriteLeavesTheStoreAlone)
+{
+    std::vector<uint8_t> before = DsdStores();
+    for (const char *input : {"100\n2\n1\n1\n", "100\n8\n1\n0\n2\n1\n", "7\n1\n"}) {
+        RunHandler(TestWriteDSDBlock, hCal, input);
+        RunHandler(TestWriteDSDBytes, hCal, input);
+        RunHandler(TestWriteDSDRegionByID, hCal, input);
+    }
+    EXPECT_TRUE(DsdStores() == before);
+}
+
+}  // namespace
