@@ -97,6 +97,7 @@ const MenuItem MenuEntry[] = {
     {"Test Commands", "Echo test", TestEchoTest},
     {NULL, "Automated test", AutomatedTest},
     {NULL, "Sleep function accuracy test", SleepAccuracyTest},
+    {NULL, "NVM Mode test", NvmModeTest},
 
     {NULL, NULL, NULL},
 };

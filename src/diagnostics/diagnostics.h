@@ -12,4 +12,9 @@ int TestEchoTest(CalInterfaceHandle hCal);
  * millisecond sleep really sleeps; makes no Cal API call. Takes about 10 s. */
 int SleepAccuracyTest(CalInterfaceHandle hCal);
 
+/* Copies the DSD into the device's DSD buffer from a fixed offset, then
+ * zeroes it there, loading from the buffer and showing the block checksums
+ * after each step; restores the device mode at the end. */
+int NvmModeTest(CalInterfaceHandle hCal);
+
 #endif /* Q7_DIAGNOSTICS_H */

@@ -5,6 +5,7 @@
 
 #include "automated.h"
 #include "console_capture.h"
+#include "diagnostics.h"
 #include "menu.h"
 
 namespace {
@@ -35,9 +36,10 @@ TEST_F(MenuHandlersTest, EveryCommandRefusesANullHandleBeforeAskingAnything)
     // These three pass the handle on and show the Cal API's own refusal.
     const char *const kJudgedByTheCalApi[] = {"GetCalibrationInfo", "GetMACAddress", "GetVersionInfo"};
     for (size_t i = 0; MenuEntry[i].sLabel != nullptr; i++) {
-        // The automated test is only ever started with the connected handle
-        // and runs without a check of its own (its tests run it whole).
-        if (MenuEntry[i].pfnHandler == AutomatedTest)
+        // The automated and NVM mode tests are only ever started with the
+        // connected handle and run without a check of their own (their tests
+        // run them whole).
+        if (MenuEntry[i].pfnHandler == AutomatedTest || MenuEntry[i].pfnHandler == NvmModeTest)
             continue;
         std::string expected;
         for (const char *name : kJudgedByTheCalApi)

@@ -1,0 +1,126 @@
+#include <gtest/gtest.h>
+
+#include <string>
+#include <vector>
+
+#include "SimControl.h"
+#include "console_capture.h"
+#include "diagnostics.h"
+
+namespace {
+
+class NvmModeTestTest : public SimulatedDeviceTest {
+protected:
+    void SetUp() override
+    {
+        SimulatedDeviceTest::SetUp();
+        ASSERT_EQ(Q7_SetDeviceMode(hCal, 1, 2, -300, 3), nullptr);  // Calibration, 64 QAM
+    }
+
+    std::vector<uint8_t> NvmImage()
+    {
+        const uint8_t *section = device().dsd.nvm.Section(device().dsd.nvm.active());
+        return std::vector<uint8_t>(section, section + q7sim::Nvm::kSectionSize);
+    }
+
+    uint32_t DutMode() { return device().modes.mode().dutMode; }
+};
+
+TEST_F(NvmModeTestTest, AWholeRunRestoresTheModeLeavesTheBufferModeAndNeverWritesTheNvm)
+{
+    const std::vector<uint8_t> nvmBefore = NvmImage();
+
+    HandlerRun run = RunHandler(NvmModeTest, hCal, "1\n");
+
+    EXPECT_EQ(run.result, 0);
+    EXPECT_EQ(Count(run.output, "was SUCCESSFUL."), 5u * 2u);  // the check pairs' own lines only
+    EXPECT_TRUE(Contains(run.output, "Running test for MII interface.\n"));
+    EXPECT_TRUE(Contains(run.output, "Setting NVM mode = 2\n"));
+    EXPECT_EQ(Count(run.output, "Wrote 28672 bytes\n"), 2u);
+    EXPECT_EQ(Count(run.output, "\n1000:  "), 3u);  // every dump starts at the MII offset
+    EXPECT_TRUE(EndsWith(run.output, "GetDSDChecksums was SUCCESSFUL.\n\n"));
+
+    const q7sim::DeviceMode &mode = device().modes.mode();
+    EXPECT_EQ(mode.dutMode, 1u);
+    EXPECT_EQ(mode.modulationType, 2u);
+    EXPECT_EQ(mode.cwOffsetKHz, -300);
+    EXPECT_EQ(mode.loopbackTx, 3u);
+    EXPECT_EQ(device().options.nvmMode(), 2u);  // left as the test set it
+    EXPECT_EQ(NvmImage(), nvmBefore);
+}
+
+TEST_F(NvmModeTestTest, TheLoadedDsdFollowsTheBuffer)
+{
+    HandlerRun run = RunHandler(NvmModeTest, hCal, "0\n");
+    ASSERT_EQ(run.result, 0);
+
+    // Four check pairs before PART 2 see every block valid; after the zeroes
+    // from 0x200 on, only the two blocks below 0x200 stay valid.
+    const std::string part2 = run.output.substr(run.output.find("PART 2:"));
+    EXPECT_EQ(Count(run.output, "checksum is  VALID\n"), 4u * 12u + 2u);
+    EXPECT_EQ(Count(part2, "checksum is NOT VALID\n"), 10u);
+    EXPECT_TRUE(Contains(part2, "          RF checksum is  VALID\n         PHY checksum is NOT VALID\n"));
+    EXPECT_TRUE(Contains(part2, "    unused checksum = 0000\n"));
+    EXPECT_EQ(Count(run.output, "Wrote 32256 bytes\n"), 2u);
+}
+
+TEST_F(NvmModeTestTest, AnInterfaceTypeThatIsNotANumberIsAskedAgainAndEndOfInputChangesNothing)
+{
+    HandlerRun retried = RunHandler(NvmModeTest, hCal, "mii\n0\n");
+    EXPECT_EQ(retried.result, 0);
+    EXPECT_EQ(Count(retried.output, "Enter interface type (0=not MII; 1=MII): "), 2u);
+    EXPECT_TRUE(Contains(retried.output, "Running test for non-MII interface.\n"));
+
+    ASSERT_EQ(Q7_SetOptionByID(hCal, 7, 0), nullptr);
+    HandlerRun ended = RunHandler(NvmModeTest, hCal, "");
+    EXPECT_EQ(ended.result, -1);
+    EXPECT_FALSE(Contains(ended.output, "Running test"));
+    EXPECT_EQ(DutMode(), 1u);
+    EXPECT_EQ(device().options.nvmMode(), 0u);
+}
+
+// Each failing operation ends the test at its own step: the error line is the
+// last thing printed, nothing is undone, and from the switch to Tx CW on the
+// device stays in Tx CW.
+TEST_F(NvmModeTestTest, TheFirstFailingOperationEndsTheTestWithNothingUndone)
+{
+    struct Step {
+        const char *operation;
+        unsigned nthCall;
+        const char *lastLineBefore;  // printed just before the failing call
+        uint32_t dutModeAfter;
+    };
+    const Step steps[] = {
+        {"Q7_GetDeviceMode", 1, "Running test for non-MII interface.\n", 1},
+        {"Q7_SetDeviceMode", 1, "Setting device mode to Tx CW\n", 1},
+        {"Q7_SetOptionByID", 1, "Setting NVM mode = 0\n====================\n", 2},
+        {"Q7_LoadDSD", 1, "Calling Load DSD Into Memory (NVM loading mode)\n", 2},
+        {"Q7_ReadDSDBytes", 1, "Reading and saving all 32K of DSD into a buffer\n"
+                               "=======================================================\n", 2},
+        {"Q7_ReadDSDBytes", 2, "with Cal3API_rdm_block (direct from NVM)\n", 2},
+        {"Q7_LoadDSD", 2, "Calling Load DSD Into Memory (NVM loading mode)\n", 2},
+        {"Q7_SetOptionByID", 2, "Setting NVM mode = 1\n====================\n", 2},
+        {"Q7_WriteDSDBytes", 1, "starting with offset 0x0200\n", 2},
+        {"Q7_ReadDSDBytes", 3, "with CalAPI_rdm_block (from buffer)\n", 2},
+        {"Q7_LoadDSD", 3, "Calling Load DSD Into Memory (VDM loading mode)\n", 2},
+        {"Q7_WriteDSDBytes", 2, "starting with offset 0x0200\n", 2},
+        {"Q7_ReadDSDBytes", 4, "with CalAPI_rdm_block (from buffer)\n", 2},
+        {"Q7_LoadDSD", 4, "Calling Load DSD Into Memory (VDM loading mode)\n", 2},
+        {"Q7_SetDeviceMode", 2, "GetDSDChecksums was SUCCESSFUL.\n\n", 2},
+    };
+    for (const Step &step : steps) {
+        SCOPED_TRACE(std::string(step.operation) + " call " + std::to_string(step.nthCall));
+        ASSERT_EQ(Q7_SetDeviceMode(hCal, 1, 2, -300, 3), nullptr);
+        const std::vector<uint8_t> nvmBefore = NvmImage();
+
+        q7sim::control::FailCall(step.operation, step.nthCall, "Device fault");
+        HandlerRun run = RunHandler(NvmModeTest, hCal, "0\n");
+
+        EXPECT_EQ(run.result, -1);
+        EXPECT_TRUE(EndsWith(run.output, std::string(step.lastLineBefore) + "\nERROR: Device fault\n")) << run.output;
+        EXPECT_EQ(DutMode(), step.dutModeAfter);
+        EXPECT_EQ(NvmImage(), nvmBefore);
+    }
+}
+
+}  // namespace
