@@ -32,33 +32,39 @@ median() { sort -n | awk '{ v[NR] = $1 } END { print (NR % 2) ? v[(NR + 1) / 2] 
 verdict() { awk -v a="$1" -v b="$2" 'BEGIN { print (a <= b) ? "met" : "NOT met" }'; }
 row() { printf '%-34s %10s   %-22s %s\n' "$@"; }
 
-# One run's CPU time (ms) and peak RSS (KiB): COMMAND [ARGUMENT...], input from $input.
-cpu_ms() { "$CPU_TIME" "$input" "$@"; }
-peak_kib() { /usr/bin/time -f %M "$@" <"$input" 2>&1 >/dev/null | tail -n 1; }
+# One run's CPU time (ms) or peak RSS (KiB): INPUT-FILE COMMAND [ARGUMENT...].
+cpu_ms() { "$CPU_TIME" "$@"; }
+peak_kib() {
+  local input=$1
+  shift
+  /usr/bin/time -f %M "$@" <"$input" 2>&1 >/dev/null | tail -n 1
+}
 
-# Start at the main menu and exit ("-1") against `i2cget -V`.
-start_exit_cpu() {
-  local i q7 ref
+# Start at the main menu and exit ("-1"), alternating with `i2cget -V`, under
+# MEASURE (cpu_ms or peak_kib); sets q7 and ref to the two medians.
+side_by_side() {
+  local measure=$1 i
+  : >"$work/q7"
+  : >"$work/ref"
   for ((i = 0; i < RUNS; i++)); do
-    input=$work/exit cpu_ms "$Q7CAL" >>"$work/cpu.q7"
-    input=/dev/null cpu_ms "$I2CGET" -V >>"$work/cpu.ref"
+    "$measure" "$work/exit" "$Q7CAL" >>"$work/q7"
+    "$measure" /dev/null "$I2CGET" -V >>"$work/ref"
   done
-  q7=$(median <"$work/cpu.q7")
-  ref=$(median <"$work/cpu.ref")
-  local ratio
+  q7=$(median <"$work/q7")
+  ref=$(median <"$work/ref")
+}
+
+start_exit_cpu() {
+  local q7 ref ratio
+  side_by_side cpu_ms
   ratio=$(awk -v a="$q7" -v b="$ref" 'BEGIN { printf "%.2f", a / b }')
   row "Start+exit CPU (ms)" "$q7" "i2cget -V: $ref" \
     "<= ${CPU_GOAL_RATIO}x: $(verdict "$ratio" "$CPU_GOAL_RATIO") (${ratio}x)"
 }
 
 start_exit_rss() {
-  local i q7 ref
-  for ((i = 0; i < RUNS; i++)); do
-    input=$work/exit peak_kib "$Q7CAL" >>"$work/rss.q7"
-    input=/dev/null peak_kib "$I2CGET" -V >>"$work/rss.ref"
-  done
-  q7=$(median <"$work/rss.q7")
-  ref=$(median <"$work/rss.ref")
+  local q7 ref
+  side_by_side peak_kib
   row "Start+exit peak RSS (KiB)" "$q7" "i2cget -V: $ref" "<= $RSS_GOAL_KIB: $(verdict "$q7" "$RSS_GOAL_KIB")"
 }
 
