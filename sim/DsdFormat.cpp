@@ -1,5 +1,6 @@
 #include "DsdFormat.h"
 
+#include <array>
 #include <cstring>
 #include <random>
 
@@ -33,6 +34,21 @@ constexpr uint8_t kCompatibility[] = {
     0x02, 0x05, 0x00,        // lowest firmware that reads this DSD
 };
 constexpr uint8_t kCalFormat[kCalFormatSize] = {0x00, 0x02};
+
+// CRC-16/CCITT (polynomial 0x1021) a byte at a time: computed a bit at a
+// time, the factory image's checksums were most of the device's start-up.
+constexpr std::array<uint16_t, 256> MakeCrc16Table()
+{
+    std::array<uint16_t, 256> table{};
+    for (uint32_t byte = 0; byte < 256; byte++) {
+        uint32_t crc = byte << 8;
+        for (int bit = 0; bit < 8; bit++)
+            crc = (crc & 0x8000) ? (crc << 1) ^ 0x1021 : crc << 1;
+        table[byte] = static_cast<uint16_t>(crc);
+    }
+    return table;
+}
+constexpr std::array<uint16_t, 256> kCrc16Table = MakeCrc16Table();
 
 uint32_t DirectoryEntry(uint32_t block) { return kDsdDirectoryOffset + 4 * block; }
 
@@ -89,11 +105,8 @@ const CalibrationRecord kFactoryCalibration = {
 
 uint16_t Crc16(const uint8_t *data, size_t length, uint16_t crc)
 {
-    for (size_t i = 0; i < length; i++) {
-        crc = static_cast<uint16_t>(crc ^ (data[i] << 8));
-        for (int bit = 0; bit < 8; bit++)
-            crc = static_cast<uint16_t>((crc & 0x8000) ? (crc << 1) ^ 0x1021 : crc << 1);
-    }
+    for (size_t i = 0; i < length; i++)
+        crc = static_cast<uint16_t>((crc << 8) ^ kCrc16Table[((crc >> 8) ^ data[i]) & 0xFF]);
     return crc;
 }
 
@@ -171,11 +184,20 @@ uint16_t DsdReader::ComputedChecksum() const
 
 bool DsdReader::Valid() const { return HeaderValid() && StoredChecksum() == ComputedChecksum(); }
 
-void SealBlock(uint8_t *dsd, uint32_t block)
+namespace {
+
+void WriteBlockChecksum(uint8_t *dsd, uint32_t block)
 {
     std::optional<ByteRange> payload = DsdReader(dsd).Payload(block);
     if (payload)
         PutBigEndian16(dsd + payload->offset - kDsdBlockHeaderSize + 4, Crc16(dsd + payload->offset, payload->length));
+}
+
+}  // namespace
+
+void SealBlock(uint8_t *dsd, uint32_t block)
+{
+    WriteBlockChecksum(dsd, block);
     SealDsd(dsd);
 }
 
@@ -196,7 +218,8 @@ std::vector<uint8_t> FactoryDsd()
         FillBlock(dsd.data(), block);
     }
     for (uint32_t block = 0; block < kDsdBlockCount; block++)
-        SealBlock(dsd.data(), block);
+        WriteBlockChecksum(dsd.data(), block);
+    SealDsd(dsd.data());
     return dsd;
 }
 

@@ -8,14 +8,16 @@
 
 namespace q7sim {
 
-Nvm::Nvm()
+uint8_t *Nvm::Image(uint32_t section) const
 {
-    std::vector<uint8_t> dsd = FactoryDsd();
-    for (uint32_t section = 0; section < kSectionCount; section++) {
-        sections_[section].assign(kSectionSize, 0xFF);
-        std::copy(dsd.begin(), dsd.end(), sections_[section].begin());
-        WriteHeader(section, kDsdSize, kFactoryPriority[section]);
+    std::vector<uint8_t> &image = sections_[section];
+    if (image.empty()) {
+        std::vector<uint8_t> dsd = FactoryDsd();
+        image.assign(kSectionSize, 0xFF);
+        std::copy(dsd.begin(), dsd.end(), image.begin());
+        LayOutHeader(image.data() + kHeaderOffset, kDsdSize, kFactoryPriority[section]);
     }
+    return image.data();
 }
 
 bool Nvm::SectionValid(uint32_t section) const

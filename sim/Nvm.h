@@ -49,10 +49,8 @@ public:
     // Sector sizes the flash supports; a desired size is rounded up to one.
     static constexpr uint32_t kSectorSizes[] = {4096, 8192, 16384, 32768, 65536};
 
-    Nvm();
-
-    uint8_t *Section(uint32_t section) { return sections_[section].data(); }
-    const uint8_t *Section(uint32_t section) const { return sections_[section].data(); }
+    uint8_t *Section(uint32_t section) { return Image(section); }
+    const uint8_t *Section(uint32_t section) const { return Image(section); }
 
     uint32_t active() const { return active_; }
     uint32_t current() const { return current_; }
@@ -87,8 +85,14 @@ public:
 
 private:
     static Status CheckSection(const char *role, uint32_t section);
+    static void LayOutHeader(uint8_t *header, uint32_t imageSize, uint32_t priority);
 
-    std::array<std::vector<uint8_t>, kSectionCount> sections_;
+    // The section's bytes, as the factory left them until first used: a
+    // session that never looks at sections 1 and 2 never holds them (128 KB
+    // of the program's resident size at start).
+    uint8_t *Image(uint32_t section) const;
+
+    mutable std::array<std::vector<uint8_t>, kSectionCount> sections_;
     uint32_t active_ = 0;
     uint32_t current_ = 0;
     uint32_t sectorSize_ = 65536;

@@ -74,6 +74,14 @@ protected:
     }
 };
 
+TEST(SimDsdFormatTest, Crc16IsTheCcittCrcAndContinuesOverPieces)
+{
+    const uint8_t check[] = {'1', '2', '3', '4', '5', '6', '7', '8', '9'};
+    EXPECT_EQ(q7sim::Crc16(check, sizeof check), 0x29B1);
+    EXPECT_EQ(q7sim::Crc16(check + 4, 5, q7sim::Crc16(check, 4)), 0x29B1);
+    EXPECT_EQ(q7sim::Crc16(check, 0), 0xFFFF);
+}
+
 TEST_F(SimDsdTest, TheFactoryImageIsValidAndDescribesAFlash2xDevice)
 {
     EXPECT_EQ(DsdValid(), 1u);
