@@ -85,7 +85,6 @@ public:
 
 private:
     static Status CheckSection(const char *role, uint32_t section);
-    static void LayOutHeader(uint8_t *header, uint32_t imageSize, uint32_t priority);
 
     // The section's bytes, as the factory left them until first used: a
     // session that never looks at sections 1 and 2 never holds them (128 KB
