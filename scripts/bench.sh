@@ -68,17 +68,62 @@ start_exit_rss() {
   row "Start+exit peak RSS (KiB)" "$q7" "i2cget -V: $ref" "<= $RSS_GOAL_KIB: $(verdict "$q7" "$RSS_GOAL_KIB")"
 }
 
-# The program's "Sleep function accuracy test" row, found in its menus: the
-# mean excess over the requested 5, 10, 15 and 20 ms (200 sleeps each) per run.
+# The menu answers that reach a command: its group's number and its own,
+# read from the program's menus, so that new rows never break the bench.
+menu_path() {
+  local group item
+  group=$("$Q7CAL" <"$work/exit" | sed -n "s/^ *\([0-9]*\)\. $1\$/\1/p")
+  item=$(printf '%s\n-1\n' "$group" | "$Q7CAL" | sed -n "s/^ *\([0-9]*\)\. $2\$/\1/p")
+  printf '%s\n%s\n' "$group" "$item"
+}
+
+# The program's "Sleep function accuracy test": the mean excess over the
+# requested 5, 10, 15 and 20 ms (200 sleeps each) per run.
 sleep_excess() {
-  local group item i
-  group=$("$Q7CAL" <"$work/exit" | sed -n 's/^ *\([0-9]*\)\. Test Commands$/\1/p')
-  item=$(printf '%s\n-1\n' "$group" | "$Q7CAL" | sed -n 's/^ *\([0-9]*\)\. Sleep function accuracy test$/\1/p')
+  local i
+  { menu_path "Test Commands" "Sleep function accuracy test"; printf -- '-1\n-1\n'; } >"$work/sleep.in"
   for ((i = 0; i < RUNS; i++)); do
-    printf '%s\n%s\n-1\n-1\n' "$group" "$item" | "$Q7CAL" |
+    "$Q7CAL" <"$work/sleep.in" |
       awk '/^Actual .* Nominal = / && $7 > 0 { sum += $(NF - 1); n++ } END { printf "%.3f\n", sum / n }' >>"$work/sleep"
   done
   row "Sleep test mean excess (ms)" "$(median <"$work/sleep")" "requested sleep" "-"
+}
+
+# A Flash 2.x write of the whole 64 KB image (63 kB of data from offset 0, the
+# header block) with an auto key, verified and restored: CPU time of the run,
+# beside start+exit alone.
+flash2x_write_cpu() {
+  local i
+  { menu_path "DSD Read/Write Commands" "WriteFlash2xBytesWithHeader"
+    printf '0\n64512\n1\n63\n10\n1\n1\n3\nC3\n1\n-1\n-1\n'; } >"$work/flash2x.in"
+  grep -q "^0 verify errors.$" <("$Q7CAL" <"$work/flash2x.in") || { echo "bench: the Flash 2.x write did not verify" >&2; exit 1; }
+  : >"$work/flash2x"
+  : >"$work/idle"
+  for ((i = 0; i < RUNS; i++)); do
+    cpu_ms "$work/flash2x.in" "$Q7CAL" >>"$work/flash2x"
+    cpu_ms "$work/exit" "$Q7CAL" >>"$work/idle"
+  done
+  row "Flash 2.x 64 KB write CPU (ms)" "$(median <"$work/flash2x")" "start+exit: $(median <"$work/idle")" "-"
+}
+
+# A whole "Automated test" run, every pause answered: its wall time against
+# the sum of its mandated sleeps (3 x 500 ms after the band settings, 2 x 500
+# ms after the Tx attenuators, 4 x 100 ms after RFIC register 30 writes).
+AUTOMATED_SLEEPS_MS=2900
+automated_run_wall() {
+  local i start end ms
+  { menu_path "Test Commands" "Automated test"; printf '\n\n\n\n\n\n1\n\n\n-1\n-1\n'; } >"$work/automated.in"
+  grep -q "^Pop\[ 0\]" <("$Q7CAL" <"$work/automated.in") || { echo "bench: the automated run did not end" >&2; exit 1; }
+  : >"$work/automated"
+  for ((i = 0; i < RUNS; i++)); do
+    start=$(date +%s%N)
+    "$Q7CAL" <"$work/automated.in" >/dev/null
+    end=$(date +%s%N)
+    echo $(((end - start) / 1000000)) >>"$work/automated"
+  done
+  ms=$(median <"$work/automated")
+  row "Automated run wall time (ms)" "$ms" "sleeps: $AUTOMATED_SLEEPS_MS" \
+    "<= +2%: $(verdict "$ms" "$((AUTOMATED_SLEEPS_MS * 102 / 100))")"
 }
 
 echo "q7cal bench: Release build, $(nproc) cores, medians of $RUNS runs"
@@ -86,3 +131,5 @@ row "Measure" "q7cal" "Reference" "Goal"
 start_exit_cpu
 start_exit_rss
 sleep_excess
+flash2x_write_cpu
+automated_run_wall

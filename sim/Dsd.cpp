@@ -17,16 +17,27 @@ Status CheckRange(const char *what, const DsdArea &area, uint32_t count, uint32_
 
 }  // namespace
 
-Dsd::Dsd()
-    : buffer_(nvm.Section(nvm.active()), nvm.Section(nvm.active()) + kDsdSize),
-      loaded_(buffer_)
+// At power-up the boot loader copies the factory DSD of the active section
+// into the buffer and loads it. Both copies are made when first used, so that
+// a session that never reaches the DSD never holds them.
+std::vector<uint8_t> &Dsd::Buffer() const
 {
+    if (buffer_.empty())
+        buffer_ = FactoryDsd();
+    return buffer_;
+}
+
+std::vector<uint8_t> &Dsd::Loaded() const
+{
+    if (loaded_.empty())
+        loaded_ = FactoryDsd();
+    return loaded_;
 }
 
 DsdArea Dsd::Area(uint32_t nvmMode)
 {
     if (nvmMode == kNvmModeBuffer || nvmMode == kNvmModeMiiBuffer)
-        return DsdArea{buffer_.data(), kBufferSize, "the DSD buffer", false};
+        return DsdArea{Buffer().data(), kBufferSize, "the DSD buffer", false};
     uint32_t section = nvm.current();
     return DsdArea{nvm.Section(section), Nvm::kSectionSize, "DSD section " + std::to_string(section),
                    nvm.ReadOnly(section)};
@@ -152,11 +163,11 @@ Status Dsd::Load(uint32_t loadMode)
         return Status::Ok();
     case kLoadFromNvm: {
         const uint8_t *section = nvm.Section(nvm.active());
-        std::copy(section, section + kDsdSize, loaded_.begin());
+        std::copy(section, section + kDsdSize, Loaded().begin());
         return Status::Ok();
     }
     case kLoadFromBuffer:
-        loaded_ = buffer_;
+        Loaded() = Buffer();
         return Status::Ok();
     default:
         return Status::Errorf("DSD load mode %u is out of range (0-2)", loadMode);

@@ -47,11 +47,6 @@ public:
     static constexpr uint32_t kFlash2xFillGap = 1;
     static constexpr uint32_t kFlash2xKeepGap = 2;
 
-    // Power-up: the boot loader has copied the active section's DSD into the
-    // buffer and loaded it.
-    Dsd();
-
-    // Declared before the buffer and the loaded copy, which start from it.
     Nvm nvm;
 
     // The area for the NVM mode (an unknown mode addresses the NVM).
@@ -81,8 +76,8 @@ public:
                        uint32_t *written);
 
     Status Load(uint32_t loadMode);
-    const uint8_t *loaded() const { return loaded_.data(); }
-    const uint8_t *buffer() const { return buffer_.data(); }
+    const uint8_t *loaded() const { return Loaded().data(); }
+    const uint8_t *buffer() const { return Buffer().data(); }
 
     bool LoadedValid() const { return DsdReader(loaded()).Valid(); }
     Status BlockValidity(uint8_t valid[kDsdBlockCount], uint32_t *count) const;
@@ -102,8 +97,11 @@ private:
     Status LoadedBlockCount(uint32_t *count) const;
     std::optional<ByteRange> LoadedPayload(uint32_t block, uint32_t neededLength) const;
 
-    std::vector<uint8_t> buffer_;
-    std::vector<uint8_t> loaded_;
+    std::vector<uint8_t> &Buffer() const;
+    std::vector<uint8_t> &Loaded() const;
+
+    mutable std::vector<uint8_t> buffer_;
+    mutable std::vector<uint8_t> loaded_;
     std::optional<uint32_t> forcedBlockCount_;
 };
 
