@@ -72,8 +72,8 @@ start_exit_rss() {
 # read from the program's menus, so that new rows never break the bench.
 menu_path() {
   local group item
-  group=$("$Q7CAL" <"$work/exit" | sed -n "s/^ *\([0-9]*\)\. $1\$/\1/p")
-  item=$(printf '%s\n-1\n' "$group" | "$Q7CAL" | sed -n "s/^ *\([0-9]*\)\. $2\$/\1/p")
+  group=$("$Q7CAL" <"$work/exit" | sed -n "s|^ *\([0-9]*\)\. $1\$|\1|p")
+  item=$(printf '%s\n-1\n' "$group" | "$Q7CAL" | sed -n "s|^ *\([0-9]*\)\. $2\$|\1|p")
   printf '%s\n%s\n' "$group" "$item"
 }
 
