@@ -10,7 +10,14 @@ void Reset()
     Faults().Clear();
 }
 
-void FailNext(const char *operation, unsigned count, const char *text) { Faults().FailNext(operation, count, text); }
+void FailNext(const char *operation, unsigned count, const char *text, unsigned skip)
+{
+    Faults().FailNext(operation, count, text, skip);
+}
+
+void RecordCalls() { Faults().RecordCalls(true); }
+
+const std::vector<std::string> &Calls() { return Faults().Calls(); }
 
 void ConnectSucceedsAtAttempt(unsigned attempt) { Faults().ConnectSucceedsAtAttempt(attempt); }
 
