@@ -1,5 +1,6 @@
 #include "DsdFormat.h"
 
+#include <array>
 #include <cstring>
 #include <random>
 
@@ -87,13 +88,23 @@ const CalibrationRecord kFactoryCalibration = {
     1, 0x2A, {0x24, 0x03, 0x18}, {0x10, 0x42, 0x07}, {0x02, 0x05, 0x11},
 };
 
-uint16_t Crc16(const uint8_t *data, size_t length, uint16_t crc)
-{
-    for (size_t i = 0; i < length; i++) {
-        crc = static_cast<uint16_t>(crc ^ (data[i] << 8));
+// The CRC of each byte value, one table lookup per byte: every fresh device
+// checksums its whole factory image, and tests open thousands of them.
+static const std::array<uint16_t, 256> kCrc16Table = [] {
+    std::array<uint16_t, 256> table{};
+    for (unsigned value = 0; value < 256; value++) {
+        uint16_t crc = static_cast<uint16_t>(value << 8);
         for (int bit = 0; bit < 8; bit++)
             crc = static_cast<uint16_t>((crc & 0x8000) ? (crc << 1) ^ 0x1021 : crc << 1);
+        table[value] = crc;
     }
+    return table;
+}();
+
+uint16_t Crc16(const uint8_t *data, size_t length, uint16_t crc)
+{
+    for (size_t i = 0; i < length; i++)
+        crc = static_cast<uint16_t>(crc << 8 ^ kCrc16Table[(crc >> 8 ^ data[i]) & 0xFF]);
     return crc;
 }
 
