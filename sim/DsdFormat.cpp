@@ -192,7 +192,7 @@ void SealBlock(uint8_t *dsd, uint32_t block)
 
 void SealDsd(uint8_t *dsd) { PutBigEndian16(dsd + kDsdChecksumOffset, DsdReader(dsd).ComputedChecksum()); }
 
-std::vector<uint8_t> FactoryDsd()
+static std::vector<uint8_t> BuildFactoryDsd()
 {
     std::vector<uint8_t> dsd(kDsdSize, 0xFF);
     PutBigEndian32(&dsd[0], kDsdMagic);
@@ -209,6 +209,13 @@ std::vector<uint8_t> FactoryDsd()
     for (uint32_t block = 0; block < kDsdBlockCount; block++)
         SealBlock(dsd.data(), block);
     return dsd;
+}
+
+std::vector<uint8_t> FactoryDsd()
+{
+    // The same for every device: built once per process.
+    static const std::vector<uint8_t> image = BuildFactoryDsd();
+    return image;
 }
 
 ByteRange FactoryBlockPlace(uint32_t block) { return kFactoryLayout[block]; }
