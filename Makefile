@@ -1,13 +1,18 @@
 # q7cal: `make run` builds and starts the program against the simulated device;
 # `make test` builds the sanitized test configuration and runs every test.
 # `make install` (PREFIX, DESTDIR), `make deb` (the Debian package, in build/)
-# and `make bench` (start-up and sleep figures) use the Release build.
-.PHONY: run build test install deb bench clean check-tools
+# and `make bench` (start-up, write, automated-run and sleep figures) use the
+# Release build. `make fuzz-ci` fuzzes whole sessions for a minute; `make
+# memcheck` runs the golden sessions and the prompt walk under valgrind.
+.PHONY: run build test install deb bench fuzz fuzz-ci memcheck clean check-tools
 
-BUILD_DIR := build
-PREFIX    := /usr/local
-TEST_DIR  := build-test
-JOBS      := 2
+BUILD_DIR    := build
+TEST_DIR     := build-test
+FUZZ_DIR     := build-fuzz
+MEMCHECK_DIR := build-memcheck
+PREFIX       := /usr/local
+JOBS         := 2
+FUZZ_SECONDS := 60
 
 # Build chatter goes to stderr, so that stdout carries only the program's
 # own output when a script pipes answers through `make run`.
@@ -32,9 +37,32 @@ deb: build
 bench: build
 	@cmake --build $(BUILD_DIR) --target bench_cpu_time >&2
 	@scripts/bench.sh
+# The session fuzzer, built by clang in a folder of its own.
+fuzz:
+	@scripts/check-tools.sh --fuzz >&2
+	@cmake -S . -B $(FUZZ_DIR) -DCMAKE_BUILD_TYPE=RelWithDebInfo -DQ7_FUZZ=ON \
+	       -DCMAKE_C_COMPILER=clang -DCMAKE_CXX_COMPILER=clang++
+	@cmake --build $(FUZZ_DIR) -j $(JOBS) --target q7cal_fuzz
+
+# A bounded run seeded with every golden session and every past finding. New
+# inputs collect in $(FUZZ_DIR)/corpus; a crash is written to $(FUZZ_DIR)/ and
+# fails the run: copy it to tests/fuzz/regressions/ once it is fixed.
+fuzz-ci: fuzz
+	@mkdir -p $(FUZZ_DIR)/corpus $(FUZZ_DIR)/seeds
+	@cp tests/golden/*/*.in tests/fuzz/regressions/* $(FUZZ_DIR)/seeds/
+	@./$(FUZZ_DIR)/q7cal_fuzz -max_total_time=$(FUZZ_SECONDS) -timeout=10 -print_final_stats=1 \
+	   -artifact_prefix=$(FUZZ_DIR)/ $(FUZZ_DIR)/corpus $(FUZZ_DIR)/seeds
+
+# Unsanitized debug build under valgrind: every golden session and the prompt
+# walk, with no leak and no memory error.
+memcheck:
+	@scripts/check-tools.sh --memcheck >&2
+	@cmake -S . -B $(MEMCHECK_DIR) -DCMAKE_BUILD_TYPE=Debug -DQ7_TESTS=ON
+	@cmake --build $(MEMCHECK_DIR) -j $(JOBS) --target q7cal q7cal_instant hardening_tests
+	@tests/memcheck.sh $(MEMCHECK_DIR)
 
 check-tools:
 	@scripts/check-tools.sh >&2
 
 clean:
-	rm -rf $(BUILD_DIR) $(TEST_DIR)
+	rm -rf $(BUILD_DIR) $(TEST_DIR) $(FUZZ_DIR) $(MEMCHECK_DIR)

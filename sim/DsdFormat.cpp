@@ -203,7 +203,7 @@ void SealBlock(uint8_t *dsd, uint32_t block)
 
 void SealDsd(uint8_t *dsd) { PutBigEndian16(dsd + kDsdChecksumOffset, DsdReader(dsd).ComputedChecksum()); }
 
-std::vector<uint8_t> FactoryDsd()
+static std::vector<uint8_t> BuildFactoryDsd()
 {
     std::vector<uint8_t> dsd(kDsdSize, 0xFF);
     PutBigEndian32(&dsd[0], kDsdMagic);
@@ -221,6 +221,13 @@ std::vector<uint8_t> FactoryDsd()
         WriteBlockChecksum(dsd.data(), block);
     SealDsd(dsd.data());
     return dsd;
+}
+
+std::vector<uint8_t> FactoryDsd()
+{
+    // The same for every device: built once per process.
+    static const std::vector<uint8_t> image = BuildFactoryDsd();
+    return image;
 }
 
 ByteRange FactoryBlockPlace(uint32_t block) { return kFactoryLayout[block]; }

@@ -52,6 +52,8 @@ void FaultPlan::PlanDataFault(const std::string &operation, unsigned nthCall, Da
 
 std::optional<std::string> FaultPlan::TakeFailure(const std::string &operation)
 {
+    if (recordCalls_)
+        calls_.push_back(operation);
     auto it = failures_.find(operation);
     if (it == failures_.end())
         return std::nullopt;
@@ -134,6 +136,8 @@ void FaultPlan::Clear()
     dataFaults_.clear();
     connectAttempt_ = 1;
     readBack_ = ReadBackFaults{};
+    recordCalls_ = false;
+    calls_.clear();
 }
 
 FaultPlan &Faults()

@@ -45,8 +45,12 @@ public:
     // connected device suffers `fault`.
     void PlanDataFault(const std::string &operation, unsigned nthCall, DataFault fault);
 
-    // Counts one call of `operation`; the planned failure for it, if any.
+    // Every operation that may fail passes here once per call: consumes one
+    // planned failure of `operation`, if any, and logs the call when asked to.
     std::optional<std::string> TakeFailure(const std::string &operation);
+    // While on, every call is logged by its Q7_ name, in order.
+    void RecordCalls(bool on) { recordCalls_ = on; }
+    const std::vector<std::string> &Calls() const { return calls_; }
     bool ConnectAnswers(unsigned attempt) const { return connectAttempt_ != 0 && attempt >= connectAttempt_; }
     // Counts one call of the read or write `operation` that reached the
     // device; the data fault planned for it, if any.
@@ -91,6 +95,8 @@ private:
         uint32_t stuckLevels = 0;
     };
     ReadBackFaults readBack_;
+    bool recordCalls_ = false;
+    std::vector<std::string> calls_;
 };
 
 // The one plan of this process; it outlives interfaces so that a test can

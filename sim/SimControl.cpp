@@ -12,6 +12,10 @@ void Reset()
 
 void FailNext(const char *operation, unsigned count, const char *text) { Faults().FailNext(operation, count, text); }
 
+void RecordCalls() { Faults().RecordCalls(true); }
+
+const std::vector<std::string> &Calls() { return Faults().Calls(); }
+
 void FailCall(const char *operation, unsigned nthCall, const char *text)
 {
     Faults().FailCalls(operation, nthCall, 1, text);

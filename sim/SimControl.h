@@ -4,6 +4,8 @@
 #define Q7SIM_SIMCONTROL_H
 
 #include <cstdint>
+#include <string>
+#include <vector>
 
 namespace q7sim {
 
@@ -11,8 +13,8 @@ class Device;
 
 namespace control {
 
-// Closes the interface and clears every fault: the next Q7_GetCalInterface
-// opens a factory-fresh device.
+// Closes the interface, clears every fault and the call log: the next
+// Q7_GetCalInterface opens a factory-fresh device.
 void Reset();
 // The next `count` calls of `operation` (e.g. "Q7_SetBandConfig") fail with `text`.
 // "Q7_GetCalInterface" fails by returning a null handle.
@@ -35,6 +37,10 @@ void IgnoreWrite(const char *operation, unsigned nthCall);
 // The write stops after `changedBytes` changed bytes, in address order, and
 // reports at most that many bytes written.
 void StopWriteAfter(const char *operation, unsigned nthCall, uint32_t changedBytes);
+// Logs, from now until Reset, the Q7_ name of every call that FailNext and
+// FailCall can fail, in call order.
+void RecordCalls();
+const std::vector<std::string> &Calls();
 // Q7_ConnectDevice succeeds only from this attempt on; 0 means never.
 void ConnectSucceedsAtAttempt(unsigned attempt);
 // ---- Read-back faults: a device whose settings do not read back as written ----

@@ -2,7 +2,6 @@
 
 #include <stdio.h>
 #include <stdlib.h>
-#include <sys/time.h>
 
 uint32_t Q7_rand32(void)
 {
@@ -23,13 +22,6 @@ void Q7_HexByteDump(const uint8_t *pu8Data, uint32_t u32FirstOffset, uint32_t u3
             printf("\n");
     }
     printf("\n");
-}
-
-double GetElapsedTimeMs(void)
-{
-    struct timeval stNow;
-    gettimeofday(&stNow, NULL);
-    return (double)stNow.tv_sec * 1000.0 + (double)stNow.tv_usec / 1000.0;
 }
 
 uint32_t FromBigEndianUINT32(uint32_t u32Value)

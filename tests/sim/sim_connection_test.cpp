@@ -1,6 +1,7 @@
 #include <gtest/gtest.h>
 
 #include <string>
+#include <vector>
 
 #include "Q7CalAPI.h"
 #include "SimControl.h"
@@ -85,6 +86,27 @@ TEST_F(SimConnectionTest, InjectedFaultsFailExactlyTheNextCalls)
     q7sim::control::Reset();
     char buffer[128];
     EXPECT_NE(Q7_GetCalInterface(Q7_INTERFACE_LOCAL, buffer, nullptr), nullptr) << "Reset clears faults";
+}
+
+TEST_F(SimConnectionTest, AFaultCanWaitForTheNthCallAndTheCallLogShowsEveryCallInOrder)
+{
+    q7sim::control::RecordCalls();
+    q7sim::control::FailCall("Q7_SetBandConfig", 3, "Synthesizer did not lock");
+    uint32_t center = 0, bandwidth = 0;
+    EXPECT_EQ(Text(Q7_SetBandConfig(hCal, 2500000, 5000)), "(success)");
+    EXPECT_EQ(Text(Q7_GetBandConfig(hCal, &center, &bandwidth)), "(success)") << "other operations do not count";
+    EXPECT_EQ(Text(Q7_SetBandConfig(hCal, 2500000, 5000)), "(success)");
+    EXPECT_EQ(Text(Q7_SetBandConfig(hCal, 2500000, 5000)), "Synthesizer did not lock");
+    EXPECT_EQ(Text(Q7_SetBandConfig(hCal, 2500000, 5000)), "(success)");
+    EXPECT_EQ(Text(Q7_GetBandConfig(nullptr, &center, &bandwidth)), "Invalid Cal API interface handle");
+
+    const std::vector<std::string> expected = {"Q7_SetBandConfig", "Q7_GetBandConfig", "Q7_SetBandConfig",
+                                               "Q7_SetBandConfig", "Q7_SetBandConfig"};
+    EXPECT_EQ(q7sim::control::Calls(), expected) << "a call without a valid handle reaches no device";
+    q7sim::control::Reset();
+    EXPECT_TRUE(q7sim::control::Calls().empty());
+    EXPECT_NE(Q7_GetCalInterface(Q7_INTERFACE_LOCAL, nullptr, nullptr), nullptr);
+    EXPECT_TRUE(q7sim::control::Calls().empty()) << "the log is off after Reset";
 }
 
 }  // namespace
