@@ -93,20 +93,23 @@ static bool ReportWriteError(ApiStatus status)
     return true;
 }
 
+/* Far more than any DSD holds: a larger write is a typing slip, and filling
+ * and clearing gigabytes of areas would hold the console for minutes before
+ * the device refused it. */
+#define MAX_WRITE_AREA_SIZE (16u * 1024u * 1024u)
+
 /* Carves the three areas out of one allocation; none for an area size of 0.
  * False after the error line. */
 static bool AllocateAreas(DsdWrite *pWrite, uint32_t u32AreaSize)
 {
-    uint64_t u64Total = 3u * (uint64_t)u32AreaSize;
-
     pWrite->u32AreaSize = u32AreaSize;
     if (u32AreaSize == 0)
         return true;
-    if (u64Total > SIZE_MAX) {
-        printf("\nERROR: A buffer of %llu bytes does not fit this host's memory\n", (unsigned long long)u64Total);
+    if (u32AreaSize > MAX_WRITE_AREA_SIZE) {
+        printf("\nERROR: A write of %u bytes is larger than any DSD (at most %u)\n", u32AreaSize, MAX_WRITE_AREA_SIZE);
         return false;
     }
-    uint8_t *pu8Buffer = (uint8_t *)malloc((size_t)u64Total);
+    uint8_t *pu8Buffer = (uint8_t *)malloc(3u * (size_t)u32AreaSize);
     if (pu8Buffer == NULL) {
         puts(ALLOCATION_FAILED_LINE);
         return false;

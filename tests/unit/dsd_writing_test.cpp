@@ -155,6 +155,12 @@ TEST_F(DsdWritingTest, SizesBeyondTheBufferOrTheImageAreRefusedBeforeTheDeviceIs
     run = RunHandler(TestWriteDSDBlock, hCal, "0\n1073741824\n");
     EXPECT_EQ(run.result, -1);
     EXPECT_TRUE(EndsWith(run.output, "\nERROR: Block size of 1073741824 words is too large (at most 1073741823)\n"));
+    run = RunHandler(TestWriteDSDBlock, hCal, "0\n4194305\n");
+    EXPECT_EQ(run.result, -1);
+    EXPECT_TRUE(EndsWith(run.output, "\nERROR: A write of 16777220 bytes is larger than any DSD (at most 16777216)\n"));
+    run = RunHandler(TestWriteDSDBytes, hCal, "0\n4000000000\n");
+    EXPECT_EQ(run.result, -1);
+    EXPECT_TRUE(EndsWith(run.output, "(at most 16777216)\n")) << "refused at once, before gigabytes are filled";
 
     EXPECT_EQ(Q7_RequestDSDWriteKey(hCal), 0u) << "no key was requested";
     uint8_t byte = 0;
