@@ -119,7 +119,4 @@ int TestSetOptionByID(CalInterfaceHandle hCal);
 #include "automated.h"
 #include "diagnostics.h"
 
-/* Stands in for a menu row whose command is not written yet. */
-int CommandNotAvailable(CalInterfaceHandle hCal);
-
 #endif /* Q7_COMMANDS_H */
