@@ -14,6 +14,7 @@
 
 #include "SimControl.h"
 #include "command_script.h"
+#include "console_capture.h"
 #include "scripted_session.h"
 
 namespace {
@@ -74,6 +75,7 @@ struct HandlerSession {
     Session session;
     int result;
     std::vector<std::string> calls;
+    bool dsdChanged;  // a DSD store differs from before the command
 };
 
 // The command's handler called directly, its prompts answered with `filler`,
@@ -84,13 +86,15 @@ HandlerSession RunCommand(const CommandRow &row, const std::string &filler, cons
     CalInterfaceHandle hCal = FreshConnectedDevice();
     if (!operation.empty())
         q7sim::control::FailCall(operation.c_str(), skip + 1, text.c_str());
+    const std::vector<uint8_t> storesBefore = DsdStoresOf(*q7sim::control::OpenDevice());
     CommandScript script(nullptr, filler);
     int result = 0;
     Session session = RunSession(row.label + ": " + operation + " failing after " + std::to_string(skip) + " calls",
                                  std::ref(script), [&] { result = MenuEntry[row.index].pfnHandler(hCal); });
     std::vector<std::string> calls = q7sim::control::Calls();
+    bool dsdChanged = DsdStoresOf(*q7sim::control::OpenDevice()) != storesBefore;
     q7sim::control::Reset();
-    return {std::move(session), result, std::move(calls)};
+    return {std::move(session), result, std::move(calls), dsdChanged};
 }
 
 class FaultMatrix : public ::testing::TestWithParam<CommandRow> {};
@@ -114,6 +118,13 @@ TEST_P(FaultMatrix, EveryDeviceCallOfTheCommandFailingInTurnIsReported)
             std::string what = row.label + ", " + text + " (answers " + filler + ")";
             HandlerSession failed = RunCommand(row, filler, operation, skip, text);
             EXPECT_FALSE(failed.session.runaway) << what;
+            // A command that changed the DSD before its failing call says so
+            // with the count it wrote, whatever the failing call was.
+            if (failed.dsdChanged) {
+                EXPECT_TRUE(failed.session.output.find("actually written") != std::string::npos ||
+                            failed.session.output.find("\nWrote ") != std::string::npos)
+                    << what << ": the DSD changed without a written count in\n" << failed.session.output;
+            }
 
             const ReportException *exception = FindReportException(row.label, operation);
             if (exception != nullptr && exception->report == Report::None)
