@@ -55,16 +55,6 @@ void SimulatedDeviceTest::SetUp()
 
 void SimulatedDeviceTest::TearDown() { q7sim::control::Reset(); }
 
-void ExpectInjectedFaultsReported(CalInterfaceHandle hCal, std::initializer_list<InjectedFault> faults)
-{
-    for (const InjectedFault &fault : faults) {
-        q7sim::control::FailNext(fault.operation, 1, "Device fault");
-        HandlerRun run = RunHandler(fault.handler, hCal, fault.input);
-        EXPECT_EQ(run.result, -1) << fault.operation;
-        EXPECT_EQ(run.output, std::string(fault.before) + "\nERROR: Device fault\n") << fault.operation;
-    }
-}
-
 q7sim::Device &SimulatedDeviceTest::device() { return *q7sim::control::OpenDevice(); }
 
 std::vector<uint8_t> SimulatedDeviceTest::DsdStores()

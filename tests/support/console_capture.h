@@ -6,7 +6,6 @@
 #include <gtest/gtest.h>
 
 #include <functional>
-#include <initializer_list>
 #include <string>
 #include <vector>
 
@@ -39,17 +38,6 @@ protected:
 
     CalInterfaceHandle hCal = nullptr;
 };
-
-// A handler run while its Cal API operation fails once with "Device fault":
-// it prints `before` (its heading and prompts), then the error line, and
-// returns -1.
-struct InjectedFault {
-    int (*handler)(CalInterfaceHandle);
-    const char *operation;
-    const char *input;
-    const char *before;
-};
-void ExpectInjectedFaultsReported(CalInterfaceHandle hCal, std::initializer_list<InjectedFault> faults);
 
 // A Cal API status as text: "(success)" for success.
 std::string Text(ApiStatus status);

@@ -64,21 +64,6 @@ TEST_F(NvmModeTestTest, TheLoadedDsdFollowsTheBuffer)
     EXPECT_EQ(Count(run.output, "Wrote 32256 bytes\n"), 2u);
 }
 
-TEST_F(NvmModeTestTest, AnInterfaceTypeThatIsNotANumberIsAskedAgainAndEndOfInputChangesNothing)
-{
-    HandlerRun retried = RunHandler(NvmModeTest, hCal, "mii\n0\n");
-    EXPECT_EQ(retried.result, 0);
-    EXPECT_EQ(Count(retried.output, "Enter interface type (0=not MII; 1=MII): "), 2u);
-    EXPECT_TRUE(Contains(retried.output, "Running test for non-MII interface.\n"));
-
-    ASSERT_EQ(Q7_SetOptionByID(hCal, 7, 0), nullptr);
-    HandlerRun ended = RunHandler(NvmModeTest, hCal, "");
-    EXPECT_EQ(ended.result, -1);
-    EXPECT_FALSE(Contains(ended.output, "Running test"));
-    EXPECT_EQ(DutMode(), 1u);
-    EXPECT_EQ(device().options.nvmMode(), 0u);
-}
-
 // Each failing operation ends the test at its own step: the error line is the
 // last thing printed, nothing is undone, and from the switch to Tx CW on the
 // device stays in Tx CW.
