@@ -27,15 +27,6 @@ protected:
                         .ok());
     }
 
-    std::vector<uint8_t> BlockValidity()
-    {
-        std::vector<uint8_t> valid(Q7_DSD_MAX_BLOCKS, 0xEE);
-        uint32_t count = 0;
-        EXPECT_EQ(Q7_AreDSDChecksumsValid(hCal, valid.data(), &count), nullptr);
-        EXPECT_EQ(count, 12u);
-        return valid;
-    }
-
     uint32_t DsdValid()
     {
         uint32_t valid = 9;

@@ -74,6 +74,15 @@ std::vector<uint8_t> SimulatedDeviceTest::ReadDsd(uint32_t address, uint32_t cou
     return bytes;
 }
 
+std::vector<uint8_t> SimulatedDeviceTest::BlockValidity()
+{
+    std::vector<uint8_t> valid(Q7_DSD_MAX_BLOCKS, 0xEE);
+    uint32_t count = 0;
+    EXPECT_EQ(Q7_AreDSDChecksumsValid(hCal, valid.data(), &count), nullptr);
+    EXPECT_EQ(count, 12u);
+    return valid;
+}
+
 std::string Text(ApiStatus status) { return status != nullptr ? status : "(success)"; }
 
 bool Contains(const std::string &text, const std::string &part) { return text.find(part) != std::string::npos; }

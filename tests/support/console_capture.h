@@ -35,6 +35,8 @@ protected:
     std::vector<uint8_t> DsdStores();
     // What Q7_ReadDSDBytes reads at the address (the read must succeed).
     std::vector<uint8_t> ReadDsd(uint32_t address, uint32_t count);
+    // Q7_AreDSDChecksumsValid's verdict on each of the 12 blocks.
+    std::vector<uint8_t> BlockValidity();
 
     CalInterfaceHandle hCal = nullptr;
 };
