@@ -18,14 +18,6 @@ using q7sim::Nvm;
 
 class SimDsdTest : public SimulatedDeviceTest {
 protected:
-
-    std::vector<uint8_t> Read(uint32_t address, uint32_t count)
-    {
-        std::vector<uint8_t> bytes(count);
-        EXPECT_EQ(Text(Q7_ReadDSDBytes(hCal, bytes.data(), count, address)), "(success)");
-        return bytes;
-    }
-
     // A raw change of the addressed DSD memory, as a byte write makes it.
     void Poke(uint32_t address, std::vector<uint8_t> bytes)
     {
@@ -33,15 +25,6 @@ protected:
         ASSERT_TRUE(device().dsd.Write(device().DsdTarget(), bytes.data(), static_cast<uint32_t>(bytes.size()), address,
                                        &written)
                         .ok());
-    }
-
-    std::vector<uint8_t> BlockValidity()
-    {
-        std::vector<uint8_t> valid(Q7_DSD_MAX_BLOCKS, 0xEE);
-        uint32_t count = 0;
-        EXPECT_EQ(Q7_AreDSDChecksumsValid(hCal, valid.data(), &count), nullptr);
-        EXPECT_EQ(count, 12u);
-        return valid;
     }
 
     uint32_t DsdValid()
@@ -68,7 +51,7 @@ protected:
     // The region's payload as the DSD header's directory places it.
     q7sim::ByteRange Directory(uint32_t block)
     {
-        std::vector<uint8_t> entry = Read(16 + 4 * block, 4);
+        std::vector<uint8_t> entry = ReadDsd(16 + 4 * block, 4);
         uint32_t offset = static_cast<uint32_t>(entry[0] << 8 | entry[1]);
         return q7sim::ByteRange{offset + 8, static_cast<uint32_t>(entry[2] << 8 | entry[3])};
     }
@@ -96,16 +79,16 @@ TEST_F(SimDsdTest, TheFactoryImageIsValidAndDescribesAFlash2xDevice)
     ASSERT_EQ(count, 12u);
     for (uint32_t block = 0; block < 12; block++) {
         q7sim::ByteRange payload = Directory(block);
-        std::vector<uint8_t> bytes = Read(payload.offset, payload.length);
+        std::vector<uint8_t> bytes = ReadDsd(payload.offset, payload.length);
         EXPECT_EQ(checksums[block], q7sim::Crc16(bytes.data(), bytes.size())) << block;
-        EXPECT_EQ(Read(payload.offset - 8, 1)[0], block) << "the block header names its block";
+        EXPECT_EQ(ReadDsd(payload.offset - 8, 1)[0], block) << "the block header names its block";
     }
 }
 
 TEST_F(SimDsdTest, ARawChangeInvalidatesItsBlockOnceLoadedAndPuttingItBackHeals)
 {
     q7sim::ByteRange cal = Directory(q7sim::kBlockCal);
-    uint8_t original = Read(cal.offset + 100, 1)[0];
+    uint8_t original = ReadDsd(cal.offset + 100, 1)[0];
     Poke(cal.offset + 100, {static_cast<uint8_t>(original ^ 0x01)});
 
     EXPECT_EQ(DsdValid(), 1u) << "the loaded copy is unchanged until the next load";
@@ -135,7 +118,7 @@ TEST_F(SimDsdTest, RegionsAreTheBlockPayloadsAndReadTheSameAsByAddress)
         uint32_t returned = 0;
         ASSERT_EQ(Q7_ReadDSDRegionByID(hCal, id, size, region.data(), &returned), nullptr);
         EXPECT_EQ(returned, size);
-        EXPECT_EQ(region, Read(payload.offset, payload.length)) << id;
+        EXPECT_EQ(region, ReadDsd(payload.offset, payload.length)) << id;
     }
     uint32_t size = 0;
     ASSERT_EQ(Q7_GetDSDRegionSizeByID(hCal, 4, &size), nullptr);
@@ -170,12 +153,12 @@ TEST_F(SimDsdTest, TheMacAddressAndCalibrationRecordAreTheBytesOfTheirBlocks)
 {
     uint8_t mac[6];
     ASSERT_EQ(Q7_GetMACAddress(hCal, mac), nullptr);
-    EXPECT_EQ(std::vector<uint8_t>(mac, mac + 6), Read(Directory(q7sim::kBlockMac).offset, 6));
+    EXPECT_EQ(std::vector<uint8_t>(mac, mac + 6), ReadDsd(Directory(q7sim::kBlockMac).offset, 6));
     EXPECT_EQ(std::memcmp(mac, q7sim::kFactoryMacAddress, 6), 0);
 
     uint8_t flag = 0, vendor = 0, date[3], time[3], version[3];
     ASSERT_EQ(Q7_GetCalibrationInfo(hCal, &flag, &vendor, date, time, version), nullptr);
-    std::vector<uint8_t> record = Read(Directory(q7sim::kBlockCal).offset + 2, 11);
+    std::vector<uint8_t> record = ReadDsd(Directory(q7sim::kBlockCal).offset + 2, 11);
     std::vector<uint8_t> reported{flag, vendor};
     reported.insert(reported.end(), date, date + 3);
     reported.insert(reported.end(), time, time + 3);
@@ -201,17 +184,17 @@ TEST_F(SimDsdTest, TheMacAddressAndCalibrationRecordAreTheBytesOfTheirBlocks)
 
 TEST_F(SimDsdTest, TheWholeSectionImageIsAddressableWithItsFlash2xHeader)
 {
-    std::vector<uint8_t> erased = Read(0x8000, 0xFC00 - 0x8000);
+    std::vector<uint8_t> erased = ReadDsd(0x8000, 0xFC00 - 0x8000);
     EXPECT_EQ(erased, std::vector<uint8_t>(erased.size(), 0xFF));
 
-    std::vector<uint8_t> header = Read(63 * 1024, 1024);
+    std::vector<uint8_t> header = ReadDsd(63 * 1024, 1024);
     EXPECT_EQ(std::vector<uint8_t>(header.begin(), header.begin() + 4), (std::vector<uint8_t>{0x00, 0x00, 0x80, 0x00}));
     EXPECT_EQ(std::vector<uint8_t>(header.begin() + 4, header.begin() + 8), std::vector<uint8_t>(4, 0xFF));
     EXPECT_EQ(std::vector<uint8_t>(header.begin() + 8, header.begin() + 12), (std::vector<uint8_t>{0, 0, 0, 10}));
     EXPECT_EQ(std::vector<uint8_t>(header.begin() + 12, header.begin() + 1020), std::vector<uint8_t>(1008, 0xFF));
     EXPECT_EQ(std::vector<uint8_t>(header.begin() + 1020, header.end()), (std::vector<uint8_t>{0x7E, 0x1A, 0x0D, 0x5D}));
 
-    EXPECT_EQ(Read(0, 65536).size(), 65536u);
+    EXPECT_EQ(ReadDsd(0, 65536).size(), 65536u);
     uint8_t bytes[2];
     EXPECT_EQ(Text(Q7_ReadDSDBytes(hCal, bytes, 2, 0xFFFF)),
               "DSD read of 2 bytes at 0xFFFF goes beyond DSD section 0 (0x0000-0xFFFF)");
@@ -223,7 +206,7 @@ TEST_F(SimDsdTest, TheWholeSectionImageIsAddressableWithItsFlash2xHeader)
 
 TEST_F(SimDsdTest, TheNvmModeChoosesBetweenTheNvmAndTheDsdBuffer)
 {
-    std::vector<uint8_t> nvmDsd = Read(0, 32768);
+    std::vector<uint8_t> nvmDsd = ReadDsd(0, 32768);
     EXPECT_EQ(std::vector<uint8_t>(device().dsd.buffer(), device().dsd.buffer() + 32768), nvmDsd)
         << "the buffer starts with the DSD the device booted from";
 
@@ -236,13 +219,13 @@ TEST_F(SimDsdTest, TheNvmModeChoosesBetweenTheNvmAndTheDsdBuffer)
 
     // The buffer, not the NVM, takes the change; a load from it shows it.
     Poke(0x1000, std::vector<uint8_t>(16, 0x00));
-    EXPECT_EQ(Read(0x1000, 16), std::vector<uint8_t>(16, 0x00));
+    EXPECT_EQ(ReadDsd(0x1000, 16), std::vector<uint8_t>(16, 0x00));
     ASSERT_EQ(Q7_LoadDSD(hCal, Dsd::kLoadFromBuffer), nullptr);
     EXPECT_EQ(BlockValidity()[q7sim::kBlockHw], 0);
     EXPECT_EQ(DsdValid(), 0u);
 
     ASSERT_EQ(Q7_SetOptionByID(hCal, 7, 0), nullptr);
-    EXPECT_EQ(Read(0, 32768), nvmDsd);
+    EXPECT_EQ(ReadDsd(0, 32768), nvmDsd);
     ASSERT_EQ(Q7_LoadDSD(hCal, Dsd::kLoadFromNvm), nullptr);
     EXPECT_EQ(DsdValid(), 1u);
 
@@ -261,12 +244,12 @@ TEST_F(SimDsdTest, SectionsAreSelectedCopiedAndProtected)
     // Reads follow the current section.
     ASSERT_EQ(Q7_SelectCurrentDSDSection(hCal, 1), nullptr);
     Poke(0x3000, {0x00, 0x00});
-    EXPECT_EQ(Read(0x3000, 2), (std::vector<uint8_t>{0, 0}));
+    EXPECT_EQ(ReadDsd(0x3000, 2), (std::vector<uint8_t>{0, 0}));
     EXPECT_EQ(Bitmaps(), (std::vector<uint32_t>{0x0B, 0x01, 0x07}));
     EXPECT_EQ(Text(Q7_SelectActiveDSDSection(hCal, 1)), "DSD section 1 does not hold a valid DSD image");
 
     ASSERT_EQ(Q7_SelectCurrentDSDSection(hCal, 0), nullptr);
-    EXPECT_NE(Read(0x3000, 2), (std::vector<uint8_t>{0, 0}));
+    EXPECT_NE(ReadDsd(0x3000, 2), (std::vector<uint8_t>{0, 0}));
 
     EXPECT_EQ(Text(Q7_CopyDSDSection(hCal, 3, 1, 1, 0)), "Source DSD section 3 is out of range (0-2)");
     EXPECT_EQ(Text(Q7_CopyDSDSection(hCal, 0, 5, 1, 0)), "Target DSD section 5 is out of range (0-2)");
@@ -301,7 +284,7 @@ TEST_F(SimDsdTest, RegionWritesClearTheRestAndKeepTheBlockValid)
     q7sim::ByteRange hw = Directory(q7sim::kBlockHw);
     std::vector<uint8_t> expected(hw.length, 0);
     std::memcpy(expected.data(), data, 4);
-    EXPECT_EQ(Read(hw.offset, hw.length), expected);
+    EXPECT_EQ(ReadDsd(hw.offset, hw.length), expected);
     ASSERT_EQ(Q7_LoadDSD(hCal, Dsd::kLoadFromNvm), nullptr);
     EXPECT_EQ(BlockValidity(), std::vector<uint8_t>(12, 1));
     EXPECT_EQ(DsdValid(), 1u);
@@ -312,7 +295,7 @@ TEST_F(SimDsdTest, RegionWritesClearTheRestAndKeepTheBlockValid)
 
 TEST_F(SimDsdTest, FlashInitialisationRoundsUpToASupportedSectorSizeAndKeepsTheData)
 {
-    std::vector<uint8_t> image = Read(0, 65536);
+    std::vector<uint8_t> image = ReadDsd(0, 65536);
     const std::pair<uint32_t, uint32_t> kRoundings[] = {{1, 4096}, {4096, 4096}, {5000, 8192}, {65536, 65536}};
     for (auto [desired, actual] : kRoundings) {
         uint32_t size = 0;
@@ -324,7 +307,7 @@ TEST_F(SimDsdTest, FlashInitialisationRoundsUpToASupportedSectorSizeAndKeepsTheD
     EXPECT_EQ(Text(Q7_InitializeFlash(hCal, 65537, &size)),
               "Flash sector size of 65537 bytes is not supported (1-65536 bytes)");
     EXPECT_EQ(size, 7u);
-    EXPECT_EQ(Read(0, 65536), image);
+    EXPECT_EQ(ReadDsd(0, 65536), image);
 }
 
 using SimOptionsTest = SimulatedDeviceTest;

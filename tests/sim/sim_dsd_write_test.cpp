@@ -33,14 +33,6 @@ protected:
     }
 
     std::vector<uint8_t> Buffer() { return std::vector<uint8_t>(device().dsd.buffer(), device().dsd.buffer() + 32768); }
-
-    std::vector<uint8_t> BlockValidity()
-    {
-        std::vector<uint8_t> valid(Q7_DSD_MAX_BLOCKS, 0xEE);
-        uint32_t count = 0;
-        EXPECT_EQ(Q7_AreDSDChecksumsValid(hCal, valid.data(), &count), nullptr);
-        return valid;
-    }
 };
 
 TEST_F(SimDsdWriteTest, AKeyIsRandomNonzeroAndGoodForOneWrite)

@@ -55,16 +55,6 @@ void SimulatedDeviceTest::SetUp()
 
 void SimulatedDeviceTest::TearDown() { q7sim::control::Reset(); }
 
-void ExpectInjectedFaultsReported(CalInterfaceHandle hCal, std::initializer_list<InjectedFault> faults)
-{
-    for (const InjectedFault &fault : faults) {
-        q7sim::control::FailNext(fault.operation, 1, "Device fault");
-        HandlerRun run = RunHandler(fault.handler, hCal, fault.input);
-        EXPECT_EQ(run.result, -1) << fault.operation;
-        EXPECT_EQ(run.output, std::string(fault.before) + "\nERROR: Device fault\n") << fault.operation;
-    }
-}
-
 q7sim::Device &SimulatedDeviceTest::device() { return *q7sim::control::OpenDevice(); }
 
 std::vector<uint8_t> DsdStoresOf(q7sim::Device &device)
@@ -84,6 +74,15 @@ std::vector<uint8_t> SimulatedDeviceTest::ReadDsd(uint32_t address, uint32_t cou
     std::vector<uint8_t> bytes(count);
     EXPECT_EQ(Text(Q7_ReadDSDBytes(hCal, bytes.data(), count, address)), "(success)");
     return bytes;
+}
+
+std::vector<uint8_t> SimulatedDeviceTest::BlockValidity()
+{
+    std::vector<uint8_t> valid(Q7_DSD_MAX_BLOCKS, 0xEE);
+    uint32_t count = 0;
+    EXPECT_EQ(Q7_AreDSDChecksumsValid(hCal, valid.data(), &count), nullptr);
+    EXPECT_EQ(count, 12u);
+    return valid;
 }
 
 std::string Text(ApiStatus status) { return status != nullptr ? status : "(success)"; }

@@ -6,7 +6,6 @@
 #include <gtest/gtest.h>
 
 #include <functional>
-#include <initializer_list>
 #include <string>
 #include <vector>
 
@@ -39,20 +38,11 @@ protected:
     std::vector<uint8_t> DsdStores();
     // What Q7_ReadDSDBytes reads at the address (the read must succeed).
     std::vector<uint8_t> ReadDsd(uint32_t address, uint32_t count);
+    // Q7_AreDSDChecksumsValid's verdict on each of the 12 blocks.
+    std::vector<uint8_t> BlockValidity();
 
     CalInterfaceHandle hCal = nullptr;
 };
-
-// A handler run while its Cal API operation fails once with "Device fault":
-// it prints `before` (its heading and prompts), then the error line, and
-// returns -1.
-struct InjectedFault {
-    int (*handler)(CalInterfaceHandle);
-    const char *operation;
-    const char *input;
-    const char *before;
-};
-void ExpectInjectedFaultsReported(CalInterfaceHandle hCal, std::initializer_list<InjectedFault> faults);
 
 // A Cal API status as text: "(success)" for success.
 std::string Text(ApiStatus status);

@@ -22,22 +22,4 @@ TEST_F(ConfigCommandsTest, UnknownModeValuesPrintTheirUnknownNamesWithSignedNumb
     EXPECT_TRUE(Contains(get, "\tLoopback =Unknown Transmitter( 4)\n"));
 }
 
-TEST_F(ConfigCommandsTest, DeviceErrorsEndTheCommandWithoutResultLines)
-{
-    ExpectInjectedFaultsReported(hCal, {
-        {TestGetBandConfig, "Q7_GetBandConfig", "", "\nGetBandConfig:\n"},
-        {TestGetDeviceMode, "Q7_GetDeviceMode", "", "\nGetDeviceMode:\n"},
-    });
-}
-
-TEST_F(ConfigCommandsTest, EndOfInputSendsNothing)
-{
-    HandlerRun ended = RunHandler(TestSetBandConfig, hCal, "2400000\n");
-    EXPECT_EQ(ended.result, -1);
-    uint32_t center = 0, bandwidth = 0;
-    ASSERT_EQ(Q7_GetBandConfig(hCal, &center, &bandwidth), nullptr);
-    EXPECT_EQ(center, 2500000u);
-    EXPECT_EQ(bandwidth, 10000u);
-}
-
 }  // namespace

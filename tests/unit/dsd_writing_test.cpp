@@ -345,15 +345,4 @@ TEST_F(DsdWritingTest, PatternAnswersOutsideTheFourAreAskedAgain)
     EXPECT_TRUE(Contains(run.output, "\n0 verify errors.\n"));
 }
 
-TEST_F(DsdWritingTest, EndOfInputBeforeTheWriteLeavesTheStoreAlone)
-{
-    std::vector<uint8_t> before = DsdStores();
-    for (const char *input : {"100\n2\n1\n1\n", "100\n8\n1\n0\n2\n1\n", "7\n1\n"}) {
-        RunHandler(TestWriteDSDBlock, hCal, input);
-        RunHandler(TestWriteDSDBytes, hCal, input);
-        RunHandler(TestWriteDSDRegionByID, hCal, input);
-    }
-    EXPECT_TRUE(DsdStores() == before);
-}
-
 }  // namespace

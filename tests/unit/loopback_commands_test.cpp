@@ -48,29 +48,4 @@ TEST_F(LoopbackCommandsTest, FEStepTableHasRx1LeftAndRx2Right)
     EXPECT_TRUE(Contains(run.output, row)) << run.output;
 }
 
-TEST_F(LoopbackCommandsTest, DeviceErrorsPrintNoTableLines)
-{
-    ExpectInjectedFaultsReported(hCal, {
-        {TestCalibrateTxGains, "Q7_CalibrateTxGains", "0\n2500000\n",
-            "Calibrate TX Steps:\n0 = current active transmitter\t1 = TX1 2 = TX2 3 =TX1 & TX2: "
-            "The center frequency in kHz: "},
-        {TestCalibrateLCTrim, "Q7_CalibrateLCTrim", "", "Calibrate LC Trim:\n"},
-        {TestCalibrateTxExtAttnStep, "Q7_CalibrateTxExtAttnStep", "0\n",
-            "Calibrate Tx external attenuator step:\n"
-            "0 = current active transmitter  1 = TX1 2 = TX2 3 =TX1 & TX2: "},
-    });
-}
-
-TEST_F(LoopbackCommandsTest, EndOfInputBeforeTheLastAnswerCalibratesNothing)
-{
-    ASSERT_EQ(Q7_SetDeviceMode(hCal, q7sim::kDutAgcFreeRun, 0, 1000, 0), nullptr);
-    HandlerRun run = RunHandler(TestCalibrateFESteps, hCal, "5\n-40\n");
-    EXPECT_EQ(run.result, -1);
-    EXPECT_EQ(device().cal.feSteps().lnaMidGainStep[0], 0.0);
-
-    HandlerRun tr = RunHandler(TestSetTRSwitch, hCal, "1\n");
-    EXPECT_EQ(tr.result, -1);
-    EXPECT_EQ(device().cal.trSwitch().ant1, 0u);
-}
-
 }  // namespace

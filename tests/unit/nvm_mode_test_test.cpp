@@ -32,14 +32,8 @@ TEST_F(NvmModeTestTest, AWholeRunRestoresTheModeLeavesTheBufferModeAndNeverWrite
 
     HandlerRun run = RunHandler(NvmModeTest, hCal, "1\n");
 
+    // What it prints is pinned by the golden sessions of both interface types.
     EXPECT_EQ(run.result, 0);
-    EXPECT_EQ(Count(run.output, "was SUCCESSFUL."), 5u * 2u);  // the check pairs' own lines only
-    EXPECT_TRUE(Contains(run.output, "Running test for MII interface.\n"));
-    EXPECT_TRUE(Contains(run.output, "Setting NVM mode = 2\n"));
-    EXPECT_EQ(Count(run.output, "Wrote 28672 bytes\n"), 2u);
-    EXPECT_EQ(Count(run.output, "\n1000:  "), 3u);  // every dump starts at the MII offset
-    EXPECT_TRUE(EndsWith(run.output, "GetDSDChecksums was SUCCESSFUL.\n\n"));
-
     const q7sim::DeviceMode &mode = device().modes.mode();
     EXPECT_EQ(mode.dutMode, 1u);
     EXPECT_EQ(mode.modulationType, 2u);
@@ -47,36 +41,6 @@ TEST_F(NvmModeTestTest, AWholeRunRestoresTheModeLeavesTheBufferModeAndNeverWrite
     EXPECT_EQ(mode.loopbackTx, 3u);
     EXPECT_EQ(device().options.nvmMode(), 2u);  // left as the test set it
     EXPECT_EQ(NvmImage(), nvmBefore);
-}
-
-TEST_F(NvmModeTestTest, TheLoadedDsdFollowsTheBuffer)
-{
-    HandlerRun run = RunHandler(NvmModeTest, hCal, "0\n");
-    ASSERT_EQ(run.result, 0);
-
-    // Four check pairs before PART 2 see every block valid; after the zeroes
-    // from 0x200 on, only the two blocks below 0x200 stay valid.
-    const std::string part2 = run.output.substr(run.output.find("PART 2:"));
-    EXPECT_EQ(Count(run.output, "checksum is  VALID\n"), 4u * 12u + 2u);
-    EXPECT_EQ(Count(part2, "checksum is NOT VALID\n"), 10u);
-    EXPECT_TRUE(Contains(part2, "          RF checksum is  VALID\n         PHY checksum is NOT VALID\n"));
-    EXPECT_TRUE(Contains(part2, "    unused checksum = 0000\n"));
-    EXPECT_EQ(Count(run.output, "Wrote 32256 bytes\n"), 2u);
-}
-
-TEST_F(NvmModeTestTest, AnInterfaceTypeThatIsNotANumberIsAskedAgainAndEndOfInputChangesNothing)
-{
-    HandlerRun retried = RunHandler(NvmModeTest, hCal, "mii\n0\n");
-    EXPECT_EQ(retried.result, 0);
-    EXPECT_EQ(Count(retried.output, "Enter interface type (0=not MII; 1=MII): "), 2u);
-    EXPECT_TRUE(Contains(retried.output, "Running test for non-MII interface.\n"));
-
-    ASSERT_EQ(Q7_SetOptionByID(hCal, 7, 0), nullptr);
-    HandlerRun ended = RunHandler(NvmModeTest, hCal, "");
-    EXPECT_EQ(ended.result, -1);
-    EXPECT_FALSE(Contains(ended.output, "Running test"));
-    EXPECT_EQ(DutMode(), 1u);
-    EXPECT_EQ(device().options.nvmMode(), 0u);
 }
 
 // Each failing operation ends the test at its own step: the error line is the

@@ -56,13 +56,4 @@ TEST_F(OtherCommandsTest, VersionReportCutsTheDriverTextAt31Characters)
     EXPECT_TRUE(Contains(run.output, "    RF chip version         = 12345\n"));
 }
 
-TEST_F(OtherCommandsTest, DeviceErrorsPrintNoResultLines)
-{
-    ExpectInjectedFaultsReported(hCal, {
-        {TestReadGPIOState, "Q7_ReadGPIOState", "", "\nReadGPIOState:\n"},
-        {TestGetTemperature, "Q7_GetTemperature", "", "\nGetTemperature:\n"},
-        {TestGetVersionInfo, "Q7_GetVersionInfo", "", "\nGetVersionInfo:\n"},
-    });
-}
-
 }  // namespace

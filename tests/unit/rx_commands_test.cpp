@@ -34,12 +34,6 @@ TEST_F(RxCommandsTest, FrontEndStatesAreNamedAndEveryStateAboveMediumIsHigh)
     }
 }
 
-TEST_F(RxCommandsTest, EndOfInputLeavesTheGainStateAlone)
-{
-    EXPECT_EQ(RunHandler(TestSetRxGainState, hCal, "0\n1\n0\n").result, -1);
-    EXPECT_TRUE(Contains(RunHandler(TestGetRxGainState, hCal, "0\n").output, "    PGA gain index = 14\n"));
-}
-
 TEST_F(RxCommandsTest, ClipSharesAreQuotientsOfTheCounts)
 {
     Rx().ForceAdcCounts(500, 0, 100000);
@@ -68,21 +62,6 @@ TEST_F(RxCommandsTest, AnErrorCountJustBelowTheNoSyncMarkIsShownAsANumber)
     Rx().ForceFrameStatistics(7, 0xFFFFFFFEu);
     EXPECT_TRUE(Contains(RunHandler(TestGetFrameErrorStatistics, hCal).output,
                          "    Total frames elapsed  = 7\n    Frames in error       = 4294967294\n"));
-}
-
-TEST_F(RxCommandsTest, DeviceErrorsEndEachCommandWithoutResultLines)
-{
-    ExpectInjectedFaultsReported(hCal, {
-        {TestGetRxAntConfig, "Q7_GetRxAntConfig", "", "\nGetRxAntConfig:\n"},
-        {TestIsSync, "Q7_IsSync", "", "\nIsSync:\n"},
-        {TestForceReSync, "Q7_ForceReSync", "", "\nForce Re-sync:\n"},
-        {TestGetRSSIReport, "Q7_GetRSSIReport", "", "\nGetRSSIReport:\n"},
-        {TestGetCINR, "Q7_GetCINR", "", "\nGetCINR:\n"},
-        {TestGetPerAntThermalNoise, "Q7_GetPerAntThermalNoise", "", "\nGetPerAntThermalNoise:\n"},
-        {TestResetFrameErrorStatistics, "Q7_ResetFrameErrorStatistics", "", "\nResetFrameErrorStatistics:\n"},
-        {TestGetFrameErrorStatistics, "Q7_GetFrameErrorStatistics", "", "\nGetFrameErrorStatistics:\n"},
-        {TestGetRxGainState, "Q7_GetRxGainState", "0\n", "\nGetRxGainState:\n    Rx path (0=Rx1; 1=Rx2) ? "},
-    });
 }
 
 }  // namespace

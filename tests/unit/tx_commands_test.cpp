@@ -35,34 +35,4 @@ TEST_F(TxCommandsTest, TypedValuesReachTheDeviceUnroundedAndForTheirTransmitter)
     EXPECT_EQ(Tx().lflControllerState(), 0);
 }
 
-TEST_F(TxCommandsTest, DeviceErrorsEndEachCommandWithoutResultLines)
-{
-    ExpectInjectedFaultsReported(hCal, {
-        {TestGetTxOutputPower, "Q7_GetTxOutputPower", "", "\nGetTxOutputPower:\n"},
-        {TestGetTxDiversitySwitch, "Q7_GetTxDiversitySwitch", "", "\nGetTxDiversitySwitch:\n"},
-        {TestGetActiveTX, "Q7_GetActiveTX", "", "\nGetActiveTx:\n"},
-        {TestGetTxBackoff, "Q7_GetTxBackoff", "", "\nGetTxBackoff:\n"},
-        {TestGetTxPhiWord, "Q7_GetTxPhiWord", "", "\nGetTxPhiWord:\n"},
-        {TestGetFeedbackCalAttn, "Q7_GetFeedbackCalAttn", "", "\nGetFeedbackCalAttn:\n"},
-        {TestGetRFAsymmetry, "Q7_GetRFAsymmetry", "", "\nGetRFAsymmetry:\n"},
-        {TestSetLCLControllerState, "Q7_SetLFLControllerState", "1\n",
-            "\nSetLCLControllerState:\nplease enter: 0=Freeze control loop1=Enable control loop"},
-        {TestSetActiveTX, "Q7_SetActiveTX", "1\n",
-            "\nSetActiveTx:\nplease enter: 0=neither enabled 1=TX1 enable 2=TX2 enable 3=TX1 & TX2 enable \n"},
-    });
-}
-
-TEST_F(TxCommandsTest, EndOfInputSendsNothing)
-{
-    HandlerRun ended = RunHandler(TestSetTxAttn, hCal, "1\n-2.0\n9\n");
-    EXPECT_EQ(ended.result, -1);
-    q7sim::TxAttn attn;
-    ASSERT_TRUE(Tx().GetAttn(1, attn).ok());
-    EXPECT_EQ(attn.basebandDb, 3.0);
-
-    HandlerRun notANumber = RunHandler(TestSetTxOutputPower, hCal, "high\n");
-    EXPECT_EQ(notANumber.result, -1);
-    EXPECT_EQ(Tx().outputPowerDbm(), 0.0);
-}
-
 }  // namespace
