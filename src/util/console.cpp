@@ -66,9 +66,13 @@ void CatchStopSignals(void)
     stAction.sa_handler = OnStopSignal;
     sigemptyset(&stAction.sa_mask);
     stAction.sa_flags = 0; /* no SA_RESTART: a blocking read or sleep returns */
-    sigaction(SIGINT, &stAction, NULL);
-    sigaction(SIGTERM, &stAction, NULL);
-    sigaction(SIGHUP, &stAction, NULL);
+    const int aiSignals[] = {SIGINT, SIGTERM, SIGHUP};
+    for (size_t i = 0; i < sizeof aiSignals / sizeof aiSignals[0]; i++) {
+        struct sigaction stBefore;
+        /* A signal the caller ignores (nohup, a background job) stays ignored. */
+        if (sigaction(aiSignals[i], NULL, &stBefore) == 0 && stBefore.sa_handler != SIG_IGN)
+            sigaction(aiSignals[i], &stAction, NULL);
+    }
     signal(SIGPIPE, SIG_IGN);
 }
 
