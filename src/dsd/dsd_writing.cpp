@@ -140,6 +140,12 @@ static void FillArea(uint8_t *pu8Area, uint32_t u32Size, uint8_t u8Value)
         memset(pu8Area, u8Value, u32Size);
 }
 
+/* The two areas hold the same bytes. */
+static bool SameBytes(const uint8_t *pu8A, const uint8_t *pu8B, uint32_t u32Size)
+{
+    return u32Size == 0 || memcmp(pu8A, pu8B, u32Size) == 0;
+}
+
 /* Reads the whole range; *pu32Returned is the count read (a byte read does
  * not say, and counts as whole). */
 static ApiStatus ReadRange(const DsdRange *pRange, uint8_t *pu8Dest, uint32_t *pu32Returned)
@@ -181,7 +187,7 @@ static bool ReadOriginal(const DsdRange *pRange, const DsdAreas *pAreas)
             return false;
         }
     }
-    if (pRange->u32Size != 0 && memcmp(pAreas->pu8Original, pAreas->pu8ReadBack, pRange->u32Size) != 0) {
+    if (!SameBytes(pAreas->pu8Original, pAreas->pu8ReadBack, pRange->u32Size)) {
         puts("\nERROR: The original contents read differently twice: nothing was written");
         return false;
     }
@@ -212,8 +218,7 @@ static int RestoreAndConfirm(const DsdRange *pRange, const DsdAreas *pAreas, con
         pAreas->pu8ReadBack[i] = (uint8_t)~pAreas->pu8Original[i];
     if (ReportReadError(ReadRange(pRange, pAreas->pu8ReadBack, &u32Returned)))
         return WarnNotRestored("the restored data could not be read back");
-    if (u32Returned < pRange->u32Size ||
-        (pRange->u32Size != 0 && memcmp(pAreas->pu8ReadBack, pAreas->pu8Original, pRange->u32Size) != 0))
+    if (u32Returned < pRange->u32Size || !SameBytes(pAreas->pu8ReadBack, pAreas->pu8Original, pRange->u32Size))
         return WarnNotRestored("the restored data did not read back");
     return 0;
 }
