@@ -149,14 +149,26 @@ TEST_F(AutomatedTestTest, AHealthyDevicePassesEveryCheckAndEndsInNormalModeTwice
     EXPECT_EQ(Count(second, "PASS"), 19u);
 }
 
-TEST_F(AutomatedTestTest, EndOfInputAtAPauseAbandonsTheGroupsLeftAndRestoresTheMode)
+TEST_F(AutomatedTestTest, EndOfInputAbandonsTheGroupsLeftOnceAndRestoresTheMode)
 {
-    std::string output = Run("\n");
-    EXPECT_TRUE(Contains(output, "Testing GetRSSIReport and related commands"));
-    EXPECT_TRUE(EndsWith(output, "\nPress Enter to continue\n\nEnd of input: command abandoned.\n" +
-                                     std::string(kFinalPop)));
-    EXPECT_FALSE(Contains(output, "TX COMMAND GROUP"));
-    ExpectMode(0, 0, 0, 0);
+    struct Case {
+        const char *answers;
+        const char *lastGroupHeading;
+        const char *notReached;
+    } cases[] = {
+        {"\n", "Testing GetRSSIReport and related commands", "TX COMMAND GROUP"},
+        // At the pause inside the other-command group: the spectrum is not reset.
+        {"\n\n\n\n", "Testing GetGPADCValue and SetGPDACValue", "ResetRxSpectrum"},
+        // At the LoadDSD prompt: its handler says it, and the driver does not again.
+        {"\n\n\n\n\n\n", "Testing GetMACAddress", "Testing ReadDSDBytes"},
+    };
+    for (const Case &c : cases) {
+        std::string output = Run(c.answers);
+        EXPECT_TRUE(Contains(output, c.lastGroupHeading)) << c.answers;
+        EXPECT_FALSE(Contains(output, c.notReached)) << c.answers;
+        EXPECT_EQ(Count(output, "\nEnd of input: command abandoned.\n"), 1u) << output;
+        ExpectMode(0, 0, 0, 0);
+    }
 }
 
 // ---- Read-back faults: FAIL at the check concerned, the run goes on ----
