@@ -173,6 +173,8 @@ static int ReadWord(char *sWord, uint32_t u32Max, bool *pbCut)
     if (c != EOF)
         ungetc(c, stdin); /* the blank after the word stays pending */
     gs_bLinePending = true;
+    if (gs_iStopSignal != 0)
+        return EOF; /* the signal may have cut the word short */
     if (bNul)
         u32Length = 0;
     sWord[u32Length] = '\0';
