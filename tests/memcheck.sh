@@ -42,7 +42,7 @@ for dir in cases instant; do
   done
 done
 
-"${valgrind[@]}" "$build/hardening_tests" --gtest_filter='*EveryPrompt*' --gtest_brief=1 >"$actual"
+"${valgrind[@]}" "$build/q7cal_tests" --gtest_filter='*EveryPrompt*' --gtest_brief=1 >"$actual"
 status=$?
 tail -n 3 "$actual"
 check "prompt walk" $status "" ""

@@ -13,6 +13,7 @@
 #include "automated.h"
 #include "console.h"
 #include "console_capture.h"
+#include "instant_sleep.h"
 
 namespace {
 
@@ -138,7 +139,10 @@ TEST_F(AutomatedTestTest, APopHandsOutTheRecordBeneathAndAnEmptyStackUnderflows)
 
 TEST_F(AutomatedTestTest, AHealthyDevicePassesEveryCheckAndEndsInNormalModeTwiceOver)
 {
+    ForgetSleeps();
     const std::string first = Run();
+    // The waits after the band writes, the attenuator writes and the register 30 checks.
+    EXPECT_EQ(Sleeps(), (std::vector<uint32_t>{500, 500, 500, 500, 500, 100, 100, 100, 100}));
     // 3 band, 2 gain-state, 2 attenuator, 3 power, 3 switch, 2 LED, 4 register checks.
     EXPECT_EQ(Count(first, "PASS"), 19u);
     EXPECT_EQ(Count(first, "FAIL"), 0u);

@@ -1,8 +1,8 @@
 // libFuzzer target: arbitrary bytes are the whole standard input of a session
 // of the program against a factory-fresh simulated device, from start-up to
-// "Closing application...". Sleeps return at once (instant_sleep.cpp), the
-// clock only counts, and the dialogue goes to /dev/null, so that one input
-// runs in well under a millisecond.
+// "Closing application...". Sleeps return at once and the clock only counts
+// (the hooks of host_time.h), and the dialogue goes to /dev/null, so that one
+// input runs in well under a millisecond.
 #include <cstddef>
 #include <cstdint>
 #include <cstdio>
@@ -11,15 +11,17 @@
 #include "SimControl.h"
 #include "connection.h"
 #include "console.h"
-#include "data_utils.h"
+#include "host_time.h"
 #include "menu.h"
 
 // Instead of the wall clock: the sleep accuracy test reads it a million times.
-double GetElapsedTimeMs(void)
+static double CountingClockMs(void)
 {
     static double s_dNowMs = 0.0;
     return s_dNowMs += 0.001;
 }
+
+static void NoSleep(uint32_t) {}
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size)
 {
@@ -29,6 +31,8 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size)
     if (discard == nullptr || input == nullptr)
         std::abort();
 
+    gs_pfnSleepMs = NoSleep;
+    gs_pfnClockMs = CountingClockMs;
     q7sim::control::Reset();
     std::srand(1);
     FILE *savedIn = stdin;

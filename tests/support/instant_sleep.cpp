@@ -1,8 +1,19 @@
-/* A stand-in for the program's sleep that returns at once, so that whole
- * sessions with long mandated pauses (the automated test) run in milliseconds
- * under test. Linked into q7cal_instant instead of the real sleep. */
-#include <stdint.h>
+#include "instant_sleep.h"
 
-#include "connection.h"
+#include "host_time.h"
 
-void Q7_SleepMs(uint32_t) {}
+static std::vector<uint32_t> &Recorded()
+{
+    static std::vector<uint32_t> sleeps;
+    return sleeps;
+}
+
+static void RecordSleep(uint32_t u32Milliseconds) { Recorded().push_back(u32Milliseconds); }
+
+const std::vector<uint32_t> &Sleeps() { return Recorded(); }
+
+void ForgetSleeps() { Recorded().clear(); }
+
+void UseInstantSleep() { gs_pfnSleepMs = RecordSleep; }
+
+static const bool gs_bInstantAtStart = (UseInstantSleep(), true);

@@ -8,10 +8,7 @@
 #include "SimControl.h"
 #include "connection.h"
 #include "console_capture.h"
-
-// Stands in for the real sleep: records the pauses instead of sleeping.
-static std::vector<uint32_t> g_sleeps;
-void Q7_SleepMs(uint32_t u32Milliseconds) { g_sleeps.push_back(u32Milliseconds); }
+#include "instant_sleep.h"
 
 namespace {
 
@@ -20,7 +17,7 @@ protected:
     void SetUp() override
     {
         q7sim::control::Reset();
-        g_sleeps.clear();
+        ForgetSleeps();
     }
     void TearDown() override { q7sim::control::Reset(); }
 
@@ -43,7 +40,7 @@ TEST_F(ConnectionTest, ADeviceThatAnswersAtTheThirdAttemptConnectsAfterTwoPauses
               "\nTrying to open handle to Device..."
               "\nFailed because: Device did not answer the connect request\n"
               "\nTrying to open handle to Device...Success!!\n");
-    EXPECT_EQ(g_sleeps, (std::vector<uint32_t>{1000, 1000}));
+    EXPECT_EQ(Sleeps(), (std::vector<uint32_t>{1000, 1000}));
 }
 
 TEST_F(ConnectionTest, ADeviceThatNeverAnswersFailsAfterExactlyTenAttempts)
@@ -54,7 +51,7 @@ TEST_F(ConnectionTest, ADeviceThatNeverAnswersFailsAfterExactlyTenAttempts)
     EXPECT_EQ(result, -1);
     EXPECT_EQ(Count(output, "\nTrying to open handle to Device..."), 10u);
     EXPECT_EQ(Count(output, "\nFailed because: "), 10u);
-    EXPECT_EQ(g_sleeps, std::vector<uint32_t>(10, 1000));
+    EXPECT_EQ(Sleeps(), std::vector<uint32_t>(10, 1000));
     EXPECT_EQ(output.find("Success"), std::string::npos);
 }
 
@@ -62,7 +59,7 @@ TEST_F(ConnectionTest, NoInterfaceMeansNoAttempt)
 {
     std::string output = RunWithInput("", [&] { EXPECT_EQ(Initialize(nullptr), -1); });
     EXPECT_EQ(output, "");
-    EXPECT_TRUE(g_sleeps.empty());
+    EXPECT_TRUE(Sleeps().empty());
 }
 
 TEST_F(ConnectionTest, SelectInterfaceChoosesTheLocalInterface)

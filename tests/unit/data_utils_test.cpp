@@ -56,24 +56,4 @@ TEST(FromBigEndianUINT32, ReadsMostSignificantByteFirstAndIsItsOwnInverse)
     EXPECT_EQ(FromBigEndianUINT32(FromBigEndianUINT32(0xDEADBEEF)), 0xDEADBEEFu);
 }
 
-TEST(Q7Rand32, IsNeverZero)
-{
-    srand(1);
-    for (int i = 0; i < 100000; i++)
-        ASSERT_NE(Q7_rand32(), 0u);
-}
-
-TEST(GetElapsedTimeMs, AdvancesWithTheWallClock)
-{
-    double first = GetElapsedTimeMs();
-    usleep(2000);
-    EXPECT_GE(GetElapsedTimeMs() - first, 1.5);
-}
-
-TEST(Bfree, AcceptsNull)
-{
-    bfree(nullptr);
-    bfree(malloc(8));
-}
-
 }  // namespace

@@ -7,30 +7,32 @@
 #include "console_capture.h"
 #include "data_utils.h"
 #include "diagnostics.h"
+#include "host_time.h"
+#include "instant_sleep.h"
+
+namespace {
 
 // Stand-ins for the host clock and sleep: the clock moves by a fixed step at
 // every reading, and a sleep moves it by what was asked plus an overshoot.
-static double g_clockMs = 0.0;
-static double g_stepMs = 0.0;
-static double g_overshootMs = 0.0;
-static unsigned long g_readings = 0;
-static std::vector<uint32_t> g_sleeps;
+double g_clockMs = 0.0;
+double g_stepMs = 0.0;
+double g_overshootMs = 0.0;
+unsigned long g_readings = 0;
+std::vector<uint32_t> g_sleeps;
 
-double GetElapsedTimeMs(void)
+double SteppingClockMs(void)
 {
     g_readings++;
     g_clockMs += g_stepMs;
     return g_clockMs;
 }
 
-void Q7_SleepMs(uint32_t u32Milliseconds)
+void OvershootingSleepMs(uint32_t u32Milliseconds)
 {
     g_sleeps.push_back(u32Milliseconds);
     if (u32Milliseconds != 0)
         g_clockMs += u32Milliseconds + g_overshootMs;
 }
-
-namespace {
 
 // Any non-null handle: the test makes no Cal API call.
 CalInterfaceHandle AnyHandle() { return reinterpret_cast<CalInterfaceHandle>(&g_clockMs); }
@@ -39,12 +41,20 @@ class SleepAccuracyTestTest : public ::testing::Test {
 protected:
     void SetUp() override
     {
+        gs_pfnClockMs = SteppingClockMs;
+        gs_pfnSleepMs = OvershootingSleepMs;
         g_clockMs = 1000.0;
         g_stepMs = 0.0;
         g_overshootMs = 0.0;
         g_readings = 0;
         g_sleeps.clear();
     }
+    void TearDown() override
+    {
+        gs_pfnClockMs = s_pfnHostClockMs;
+        UseInstantSleep();
+    }
+    static inline const ClockFunction s_pfnHostClockMs = gs_pfnClockMs;
 };
 
 TEST_F(SleepAccuracyTestTest, ReportsTheResolutionAndFiveDurationsEach200Sleeps)
