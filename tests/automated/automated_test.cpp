@@ -5,6 +5,7 @@
 
 #include <signal.h>
 
+#include <functional>
 #include <sstream>
 #include <string>
 #include <vector>
@@ -68,6 +69,17 @@ std::vector<std::string> LinesStartingWith(const std::string &text, const std::v
             if (line.compare(0, prefix.size(), prefix) == 0)
                 lines.push_back(line);
     return lines;
+}
+
+// Each verdict line in run order, "PASS" or "FAIL".
+std::vector<std::string> Verdicts(const std::string &output)
+{
+    std::vector<std::string> verdicts;
+    std::istringstream in(output);
+    for (std::string line; std::getline(in, line);)
+        if (EndsWith(line, "PASS") || EndsWith(line, "FAIL"))
+            verdicts.push_back(line.substr(line.size() - 4));
+    return verdicts;
 }
 
 // ---- The device-mode stack ----
@@ -177,24 +189,6 @@ TEST_F(AutomatedTestTest, EndOfInputAbandonsTheGroupsLeftOnceAndRestoresTheMode)
 
 // ---- Read-back faults: FAIL at the check concerned, the run goes on ----
 
-TEST_F(AutomatedTestTest, BandFaultsFailTheirCheckAndTheSavedBandIsStillWrittenBack)
-{
-    IgnoreNext("Q7_SetBandConfig", 2);
-    std::string output = Run();
-    EXPECT_TRUE(Contains(output, "Write: Freq = 2500000 - BW = 10000\nRead:  Freq = 2500000 - BW = 10000 PASS\n"
-                                 "Write: Freq = 2533500 - BW =  5000\nRead:  Freq = 2500000 - BW = 10000 FAIL\n"
-                                 "Write: Freq = 2500000 - BW = 10000\nRead:  Freq = 2500000 - BW = 10000 PASS\n"));
-
-    q7sim::control::Reset();
-    SetUp();
-    SkewOutput("Q7_GetBandConfig", 1, 1500);  // the bandwidth reads 1.5 MHz wide
-    output = Run();
-    EXPECT_TRUE(Contains(output, "Read:  Freq = 2500000 - BW = 11500\n"
-                                 "Write: Freq = 2500000 - BW = 10000\nRead:  Freq = 2500000 - BW = 11500 FAIL\n"
-                                 "Write: Freq = 2533500 - BW =  5000\nRead:  Freq = 2533500 - BW =  6500 FAIL\n"
-                                 "Write: Freq = 2500000 - BW = 11500\n"));
-}
-
 TEST_F(AutomatedTestTest, ABandThatCannotBeReadAtTheStartIsNotWrittenBack)
 {
     FailNext("Q7_GetBandConfig", 1, "Device fault");
@@ -204,51 +198,43 @@ TEST_F(AutomatedTestTest, ABandThatCannotBeReadAtTheStartIsNotWrittenBack)
                                  "Band not restored: it could not be read at the start\n"));
 }
 
-TEST_F(AutomatedTestTest, AWrongPgaIndexFailsButAWrongTotalGainAloneStillPasses)
+// Each value a check compares, read back different in turn: FAIL at exactly
+// the checks that read it (in run order: 3 band, 2 gain-state, 2 attenuator,
+// 3 power, 3 switch, 2 LED and 4 register checks), and the run goes on.
+TEST_F(AutomatedTestTest, EveryComparedValueThatReadsBackDifferentlyFailsItsChecks)
 {
-    SkewOutput("Q7_GetRxGainState", 2, 1);
-    std::string output = Run();
-    // Read 15 (the device holds 14), so 20 is written and read back as 21.
-    EXPECT_TRUE(Contains(output, "Read  path 0: Ext LNA=0 - LNA=2 - PGA=15 - Total="));
-    EXPECT_TRUE(Contains(output, "Wrote path 0: Ext LNA=1 - LNA=0 - PGA=20\n"));
-    EXPECT_EQ(LinesStartingWith(output, {"Read  path 1: Ext LNA=1"}).back().substr(0, 39),
-              "Read  path 1: Ext LNA=1 - LNA=0 -PGA=21");
-    EXPECT_EQ(Count(output, " -- FAIL\n\n"), 2u);
-
-    q7sim::control::Reset();
-    SetUp();
-    SkewOutput("Q7_GetRxGainState", 3, 0.5);
-    output = Run();
-    EXPECT_EQ(Count(output, " -- PASS\n\n"), 2u);
-}
-
-TEST_F(AutomatedTestTest, TxReadBacksThatDifferInAnyBitFail)
-{
-    SkewOutput("Q7_GetTxAttn", 0, 0.125);          // one baseband step off
-    SkewOutput("Q7_GetTxOutputPower", 0, -0.01);    // 19.99 for 20
-    SkewOutput("Q7_GetTxDiversitySwitch", 0, 1);    // antenna 2 for antenna 1
-    std::string output = Run();
-    EXPECT_TRUE(Contains(output, "= Disabled (0)\nFAIL\n"));
-    EXPECT_TRUE(Contains(output, "= Enabled (1)\nFAIL\n"));
-    EXPECT_TRUE(Contains(output, "Setting power to +20 dBm ...Read 19.99 dBm  FAIL\n"));
-    EXPECT_TRUE(Contains(output, "Setting switch to 0 (antenna 1) ...Read 1  FAIL\n"));
-    EXPECT_TRUE(Contains(output, "Setting switch to 1 (antenna 2) ...Read 2  FAIL\n"));
-}
-
-TEST_F(AutomatedTestTest, ARefusedWriteShowsItsErrorBetweenAnnouncementAndVerdict)
-{
-    FailNext("Q7_SetTxOutputPower", 1, "Device fault");
-    std::string output = Run();
-    EXPECT_TRUE(Contains(output, "Setting power to +20 dBm ...ERROR: Device fault\nRead   0 dBm  FAIL\n"
-                                 "Setting power to -20 dBm ...Read -20 dBm  PASS\n"));
-}
-
-TEST_F(AutomatedTestTest, AStuckLedPinFailsTheLedTestItCannotFollow)
-{
-    q7sim::control::StickGpioPin(11, 0);
-    std::string output = Run();
-    EXPECT_TRUE(Contains(output, "GPIO LED write 0 test: PASS\n"));
-    EXPECT_TRUE(Contains(output, "GPIO LED write 1 test: FAIL\n"));
+    using q7sim::control::StickGpioPin;
+    struct Fault {
+        std::string what;
+        std::function<void()> arm;
+        std::vector<size_t> failing;
+    };
+    std::vector<Fault> faults = {
+        {"band frequency", [] { SkewOutput("Q7_GetBandConfig", 0, 1000); }, {0, 1, 2}},
+        {"bandwidth", [] { SkewOutput("Q7_GetBandConfig", 1, 1500); }, {0, 1, 2}},
+        {"total gain, never compared", [] { SkewOutput("Q7_GetRxGainState", 3, 0.5); }, {}},
+        {"power", [] { SkewOutput("Q7_GetTxOutputPower", 0, -0.01); }, {7, 8, 9}},
+        {"diversity switch", [] { SkewOutput("Q7_GetTxDiversitySwitch", 0, 1); }, {10, 11, 12}},
+    };
+    for (unsigned output = 0; output < 3; output++)
+        faults.push_back({"Rx gain state value " + std::to_string(output),
+                          [output] { SkewOutput("Q7_GetRxGainState", output, 1); }, {3, 4}});
+    for (unsigned output = 0; output < 6; output++)
+        faults.push_back({"Tx attenuator value " + std::to_string(output),
+                          [output] { SkewOutput("Q7_GetTxAttn", output, output == 0 ? 0.125 : 1); }, {5, 6}});
+    for (unsigned pin = 10; pin <= 12; pin++) {
+        faults.push_back({"LED pin " + std::to_string(pin) + " stuck at 1", [pin] { StickGpioPin(pin, 1); }, {13}});
+        faults.push_back({"LED pin " + std::to_string(pin) + " stuck at 0", [pin] { StickGpioPin(pin, 0); }, {14}});
+    }
+    for (const Fault &fault : faults) {
+        fault.arm();
+        std::vector<std::string> expected(19, "PASS");
+        for (size_t check : fault.failing)
+            expected[check] = "FAIL";
+        EXPECT_EQ(Verdicts(Run()), expected) << fault.what;
+        q7sim::control::Reset();
+        SetUp();
+    }
 }
 
 TEST_F(AutomatedTestTest, ARegisterThatIgnoresWritesFailsUntilItsOwnValueIsWrittenBack)
@@ -279,17 +265,6 @@ TEST_F(AutomatedTestTest, AFailingSpectrumResetEndsOnlyItsGroup)
 }
 
 // ---- A check whose read-back call fails is FAIL, never PASS ----
-
-// Each verdict line in run order, "PASS" or "FAIL".
-std::vector<std::string> Verdicts(const std::string &output)
-{
-    std::vector<std::string> verdicts;
-    std::istringstream in(output);
-    for (std::string line; std::getline(in, line);)
-        if (EndsWith(line, "PASS") || EndsWith(line, "FAIL"))
-            verdicts.push_back(line.substr(line.size() - 4));
-    return verdicts;
-}
 
 TEST_F(AutomatedTestTest, EveryCheckWhoseReadBackFailsIsFailAndTheRunGoesOn)
 {

@@ -1,24 +1,51 @@
 #!/usr/bin/env bash
 # Feeds CASE.in to the program and compares its whole stdout with CASE.out and
-# its exit status with CASE.status (0 when there is no such file).
+# its exit status with CASE.status (0 when there is no such file). A run that
+# takes over a minute fails.
 #
-#   run_transcript.sh Q7CAL CASE            compare
-#   run_transcript.sh --record Q7CAL CASE   write CASE.out from the program:
+# Menu screens are the menu table's, which the menu-navigation case pins: in
+# every other case each screen (heading, rows, rule and "ENTER OPTION : ")
+# stands as one line "[menu: TITLE]" in both the expected and the actual
+# output, so that a new menu row changes one transcript only.
+#
+#   run_transcript.sh [--with-menus] Q7CAL CASE            compare
+#   run_transcript.sh --record [--with-menus] Q7CAL CASE   write CASE.out from the program:
 #       check every line against the texts the commands are meant to print
 #       before committing it; a recorded transcript proves nothing by itself.
 set -u
 record=0
-if [ "${1:-}" = "--record" ]; then record=1; shift; fi
+menus=0
+while [ $# -gt 2 ]; do
+  case $1 in
+    --record) record=1 ;;
+    --with-menus) menus=1 ;;
+  esac
+  shift
+done
 bin=$1
 case=$2
 
 actual=$(mktemp)
-trap 'rm -f "$actual"' EXIT
-"$bin" <"$case.in" >"$actual"
+expected=$(mktemp)
+trap 'rm -f "$actual" "$expected"' EXIT
+timeout 60 "$bin" <"$case.in" >"$actual"
 status=$?
+if [ $status -eq 124 ]; then
+  echo "the program was still running after 60 seconds"
+  exit 1
+fi
+
+# Each whole menu screen as one line; the session's other text unchanged.
+strip_menus() {
+  if [ $menus -eq 1 ]; then
+    cat "$1"
+  else
+    perl -0777 -pe 's/\n\n\*{8} (.+?) \*{8}\n.*?\nENTER OPTION : /\n[menu: $1]/gs' "$1"
+  fi
+}
 
 if [ $record -eq 1 ]; then
-  cp "$actual" "$case.out"
+  strip_menus "$actual" >"$case.out"
   [ $status -eq 0 ] && rm -f "$case.status" || echo $status >"$case.status"
   echo "recorded $case.out (exit status $status)"
   exit 0
@@ -26,10 +53,12 @@ fi
 
 expected_status=0
 [ -f "$case.status" ] && expected_status=$(cat "$case.status")
+strip_menus "$case.out" >"$expected"
+strip_menus "$actual" >"$expected.actual" && mv "$expected.actual" "$actual"
 failed=0
-if ! cmp -s "$case.out" "$actual"; then
+if ! cmp -s "$expected" "$actual"; then
   echo "stdout differs from $case.out (- expected, + actual):"
-  diff -u "$case.out" "$actual" | cat -A | head -200
+  diff -u "$expected" "$actual" | cat -A | head -200
   failed=1
 fi
 if [ "$status" != "$expected_status" ]; then

@@ -123,6 +123,11 @@ TEST_P(PromptWalk, EveryPromptSurvivesEndOfInputJunkEmptyLinesAndHugeNumbers)
     for (const std::string filler : kFillers) {
         MenuRun plain = RunThroughMenu(row, filler);
         ExpectFinishedAndMenuUsable(plain, row.label + " (all answered " + filler + ")");
+        // The command was reached: what follows its choice is the command's, not the menu's refusal.
+        const std::vector<SessionRead> &reads = plain.session.reads;
+        ASSERT_GE(reads.size(), 3u) << row.label;
+        std::string afterChoice = plain.session.output.substr(reads[1].printed, reads[2].printed - reads[1].printed);
+        ASSERT_NE(afterChoice.rfind("\nSorry. Invalid option selected.", 0), 0u) << row.label << " cannot be reached";
         cases++;
         std::vector<Prompt> prompts;
         for (size_t read : plain.script.promptReads())

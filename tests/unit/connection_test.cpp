@@ -71,6 +71,18 @@ TEST_F(ConnectionTest, SelectInterfaceChoosesTheLocalInterface)
     EXPECT_EQ(type, 0u);
 }
 
+TEST_F(ConnectionTest, AtExitTheDeviceIsDisconnectedAndThenTheInterfaceClosed)
+{
+    CalInterfaceHandle hCal = Open();
+    ASSERT_EQ(Q7_ConnectDevice(hCal), nullptr);
+    q7sim::control::RecordCalls();
+    std::string output = RunWithInput("", [&] { CloseApplication(hCal); });
+    EXPECT_EQ(output, "\nClosing application...\n");
+    // A disconnect after the close would find no interface, and is not logged.
+    EXPECT_EQ(q7sim::control::Calls(), std::vector<std::string>{"Q7_DisconnectDevice"});
+    EXPECT_EQ(q7sim::control::OpenDevice(), nullptr) << "the interface is closed";
+}
+
 TEST_F(ConnectionTest, SelectInterfaceEndsTheProgramWithStatusOneWhenTheDeviceNeverAnswers)
 {
     q7sim::control::ConnectSucceedsAtAttempt(0);

@@ -67,14 +67,17 @@ TEST(PadString, RefusesNullLongTextsAndWidthsAboveItsBuffer)
     EXPECT_EQ(std::string(PadString(eighty.c_str(), ' ', 80)), eighty);
 }
 
-TEST(PressEnterToContinue, ReturnsAfterAnySingleCharacter)
+TEST(PressEnterToContinue, ReturnsAfterAnySingleCharacterAndEachPauseTakesOneLine)
 {
+    // A pause answered with text: the next pause drops the rest of that line
+    // and takes one of its own, so the script stays in step.
     int next = 0;
-    std::string output = RunWithInput("x\n5\n", [&] {
+    std::string output = RunWithInput("x\ny\n5\n", [&] {
+        PressEnterToContinue();
         PressEnterToContinue();
         next = ReadChoice();
     });
-    EXPECT_EQ(output, "\nPress Enter to continue\n");
+    EXPECT_EQ(output, "\nPress Enter to continue\n\nPress Enter to continue\n");
     EXPECT_EQ(next, 5);
 }
 
@@ -182,6 +185,7 @@ TEST(Readers, RefuseNumbersThatDoNotFitOrCarryTrailingText)
         {"1FFFFFFFF\n0x7E1A0D5D\n", hexValue, {bigHex}, "2115636573"},
         {"-1\n", hexValue, {}, "4294967295"},
         {std::string("10\0zz\n1\0\0\08\n3\n", 13), hexValue, {notHex, notHex}, "3"},
+        {"1e-400\n", doubleValue, {}, "0.000000"},  // too small for a double: it reads as 0
         {"1e999\n0x1p-2\n", doubleValue, {"\nOut of range. Please enter a number within the range of a double.\n"},
          "0.250000"},
     };

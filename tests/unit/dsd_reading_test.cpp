@@ -32,4 +32,15 @@ TEST_F(DsdReadingTest, ARegionReadErrorComesAfterTheSizeLineWithoutADump)
               "\nERROR: NVM read timed out\n");
 }
 
+TEST_F(DsdReadingTest, ARegionDumpShowsOnlyTheBytesTheReadReturned)
+{
+    q7sim::control::ShortRead("Q7_ReadDSDRegionByID", 1, 5);
+    HandlerRun run = RunHandler(TestReadDSDRegionByID, hCal, "4\n");
+    EXPECT_EQ(run.result, 0);
+    // The first five bytes of region 4, the calibration record, and no more.
+    EXPECT_TRUE(EndsWith(run.output, "\nDSD region size = 2488 bytes\n0000:  00 02 01 2A 24\n"
+                                     "\nReadDSDRegionByID was SUCCESSFUL.\n"))
+        << run.output;
+}
+
 }  // namespace

@@ -35,4 +35,23 @@ TEST_F(TxCommandsTest, TypedValuesReachTheDeviceUnroundedAndForTheirTransmitter)
     EXPECT_EQ(Tx().lflControllerState(), 0);
 }
 
+// Every command that asks for a transmitter passes the one typed: the device's
+// own range check names it.
+TEST_F(TxCommandsTest, EveryTransmitterSelectorTypedReachesTheDevice)
+{
+    ASSERT_EQ(Q7_SetDeviceMode(hCal, q7sim::kDutLoopback, 0, 1000, 0), nullptr);
+    const struct {
+        int (*handler)(CalInterfaceHandle);
+        const char *answers;  // the selector first
+    } commands[] = {
+        {TestGetTxAttn, "7\n"},          {TestSetTxAttn, "7\n0\n0\n0\n0\n0\n0\n"}, {TestGetTxGCWord, "7\n"},
+        {TestSetTxGCWord, "7\n1.5\n"}, {TestSetTxDecoderMode, "7\n1\n"},            {TestCalibrateTxGains, "7\n2500000\n"},
+        {TestCalibrateTxExtAttnStep, "7\n"},
+    };
+    for (const auto &command : commands) {
+        HandlerRun run = RunHandler(command.handler, hCal, command.answers);
+        EXPECT_TRUE(EndsWith(run.output, "\nERROR: Tx selector 7 is out of range (0-3)\n")) << run.output;
+    }
+}
+
 }  // namespace
