@@ -302,8 +302,10 @@ TEST_F(AutomatedTestTest, ASignalEndsTheRunAtItsNextPauseWithTheModePoppedBack)
             raise(SIGINT);
         }
     });
+    ForgetSleeps();
     HandlerRun run = RunHandler(AutomatedTest, hCal, kRunAnswers);
     ReleaseStopSignals();
+    EXPECT_TRUE(Sleeps().empty()) << "no wait is made once the signal came";
     EXPECT_EQ(StopSignal(), SIGINT);
     EXPECT_TRUE(EndsWith(run.output, "\nInterrupted by SIGINT: command abandoned.\n" + std::string(kFinalPop)))
         << run.output;

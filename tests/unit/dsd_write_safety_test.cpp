@@ -264,6 +264,8 @@ protected:
 TEST_F(DsdWriteSafetyTest, NoStoreIsLeftChangedWithoutAWordWhateverTheDeviceDoes)
 {
     std::mt19937 rng(20261123u);
+    // How often each outcome came up: a run that never reached them proves nothing.
+    std::map<std::string, int> seen;
     auto pick = [&rng](uint32_t low, uint32_t high) { return std::uniform_int_distribution<uint32_t>(low, high)(rng); };
     for (int i = 0; i < 400; i++) {
         Request r = RandomRequest(rng);
@@ -339,9 +341,17 @@ TEST_F(DsdWriteSafetyTest, NoStoreIsLeftChangedWithoutAWordWhateverTheDeviceDoes
         if (warned) {
             EXPECT_EQ(run.result, -1);
         }
+        seen["a WARNING"] += warned;
+        seen["a WRITE ERROR"] += Contains(output, "WRITE ERROR: ");
+        seen["a store left changed after a restore was asked for"] += run.restoreAsked && after != original;
+        seen["a restore confirmed"] += run.restoreAsked && !warned && Contains(output, "Restoring original");
+        seen["the original read twice in disagreement"] += Contains(output, "read differently twice");
+        seen["an interrupted session"] += Contains(output, "Interrupted by SIG");
         if (HasFailure())
             break;
     }
+    for (const auto &[outcome, count] : seen)
+        EXPECT_GE(count, 10) << outcome;
 }
 
 }  // namespace

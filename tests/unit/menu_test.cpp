@@ -51,22 +51,4 @@ TEST_F(MenuHandlersTest, EveryCommandRefusesANullHandleBeforeAskingAnything)
     }
 }
 
-// The prompt walk sees, through the menu, that end of input abandons each
-// command before the device is called; here, that the handler returns -1.
-TEST_F(MenuHandlersTest, EveryCommandAbandonedAtEndOfInputReturnsMinusOne)
-{
-    size_t abandoned = 0;
-    for (size_t i = 0; MenuEntry[i].sLabel != nullptr; i++) {
-        // The automated test goes on to its other groups; the sleep test asks nothing.
-        if (MenuEntry[i].pfnHandler == AutomatedTest || MenuEntry[i].pfnHandler == SleepAccuracyTest)
-            continue;
-        HandlerRun run = RunHandler(MenuEntry[i].pfnHandler, hCal, "");
-        if (!EndsWith(run.output, "\nEnd of input: command abandoned.\n"))
-            continue;
-        abandoned++;
-        EXPECT_EQ(run.result, -1) << MenuEntry[i].sLabel;
-    }
-    EXPECT_GE(abandoned, 30u);
-}
-
 }  // namespace
