@@ -1,6 +1,7 @@
 #include <gtest/gtest.h>
 
 #include <cstring>
+#include <functional>
 #include <string>
 #include <vector>
 
@@ -308,32 +309,67 @@ TEST_F(DsdWritingTest, KeysComeFromTheDeviceOrAreTypedAndARefusedKeyWritesNothin
     EXPECT_TRUE(DsdStores() == before);
 }
 
-TEST_F(DsdWritingTest, FailuresEndTheCommandAndSayWhatTheStoreHolds)
+// Each way a write can go wrong, said in its own words: the original read (an
+// error, short, two reads that disagree), the verification, and the restore
+// (an error, ignored, stopped part-way, not read back, not asked for).
+TEST_F(DsdWritingTest, EachWayAWriteCanGoWrongIsSaidInItsOwnWords)
 {
-    // A failed read of the original: nothing is written.
-    std::vector<uint8_t> before = DsdStores();
-    q7sim::control::FailNext("Q7_ReadDSDBytes", 1, "NVM read timed out");
-    HandlerRun run = RunHandler(TestWriteDSDBlock, hCal, "100\n2\n1\n1\n");
-    EXPECT_EQ(run.result, -1);
-    EXPECT_TRUE(EndsWith(run.output, "\n    Restore contents (1=yes/0=no) ? \nREAD ERROR: NVM read timed out\n"));
-    EXPECT_TRUE(DsdStores() == before);
-
-    // A failed verification read of a byte write follows its count line;
-    // nothing is restored, and the WARNING says so.
-    q7sim::control::FailCall("Q7_ReadDSDBytes", 3, "NVM read timed out");
-    run = RunHandler(TestWriteDSDBytes, hCal, "100\n4\n1\n1\n3\n77\n1\n");
-    EXPECT_EQ(run.result, -1);
-    EXPECT_TRUE(EndsWith(run.output, "\nRead 4 bytes from dev data memory\n\nREAD ERROR: NVM read timed out\n"
-                                     "\nWARNING: Original data not restored, because the verification read failed.\n"))
-        << run.output;
-    EXPECT_EQ(ReadDsd(0x100, 4), std::vector<uint8_t>(4, 0x77));
-
-    // A failed restore leaves the new data, and says so.
-    q7sim::control::FailCall("Q7_WriteDSDBytes", 2, "NVM write failed");
-    run = RunHandler(TestWriteDSDBlock, hCal, "200\n1\n1\n1\n3\nCAFEF00D\n0\n");
-    EXPECT_EQ(run.result, -1);
-    EXPECT_TRUE(EndsWith(run.output, "\nRestoring original DSD  values ... \n\nWRITE ERROR: NVM write failed\n"));
-    EXPECT_EQ(ReadDsd(0x200, 4), (std::vector<uint8_t>{0x0D, 0xF0, 0xFE, 0xCA}));
+    namespace control = q7sim::control;
+    const char *const kWarning = "\nWARNING: Original data not restored, because ";
+    struct Case {
+        const char *what;
+        int (*handler)(CalInterfaceHandle);
+        const char *answers;
+        std::function<void()> arm;
+        std::string tail;
+        int result;
+    } cases[] = {
+        {"original read fails", TestWriteDSDBlock, "100\n2\n1\n1\n",
+         [] { control::FailNext("Q7_ReadDSDBytes", 1, "NVM read timed out"); },
+         "\n    Restore contents (1=yes/0=no) ? \nREAD ERROR: NVM read timed out\n", -1},
+        {"original read short", TestWriteDSDRegionByID, "7\n1\n", [] { control::ShortRead("Q7_ReadDSDRegionByID", 1, 5); },
+         "\nERROR: Only 5 of the 760 bytes of the original contents could be read: nothing was written\n", -1},
+        {"original reads disagree", TestWriteDSDBytes, "100\n4\n1\n1\n",
+         [] { control::FlipBitOnRead("Q7_ReadDSDBytes", 2, 0, 0x01); },
+         "\nERROR: The original contents read differently twice: nothing was written\n", -1},
+        {"verification read fails", TestWriteDSDBytes, "100\n4\n1\n1\n3\n77\n1\n",
+         [] { control::FailCall("Q7_ReadDSDBytes", 3, "NVM read timed out"); },
+         "\nRead 4 bytes from dev data memory\n\nREAD ERROR: NVM read timed out\n" + std::string(kWarning) +
+             "the verification read failed.\n",
+         -1},
+        {"a short verification read reads as 0", TestWriteDSDRegionByID, "7\n1\n0\n1\n0\n",
+         [] { control::ShortRead("Q7_ReadDSDRegionByID", 3, 0); },
+         "\n\n0 verify errors.\n\n    Restore contents (1=yes/0=no) ? \nWriteDSDRegionByID was SUCCESSFUL.\n", 0},
+        {"restore fails", TestWriteDSDBlock, "200\n1\n1\n1\n3\nCAFEF00D\n0\n",
+         [] { control::FailCall("Q7_WriteDSDBytes", 2, "NVM write failed"); },
+         "\nRestoring original DSD  values ... \n\nWRITE ERROR: NVM write failed\n", -1},
+        {"restore ignored", TestWriteDSDBlock, "200\n4\n1\n1\n3\nCAFEF00D\n0\n",
+         [] { control::IgnoreWrite("Q7_WriteDSDBytes", 2); },
+         "\n    Number of 32-bit words actually written = 4\n" + std::string(kWarning) +
+             "the restored data did not read back.\n",
+         -1},
+        {"restore stopped", TestWriteDSDBlock, "200\n4\n1\n1\n3\nCAFEF00D\n0\n",
+         [] { control::StopWriteAfter("Q7_WriteDSDBytes", 2, 4); },
+         "\n    Number of 32-bit words actually written = 1\n" + std::string(kWarning) + "the restore wrote 4 of 16 bytes.\n",
+         -1},
+        {"restore not read back", TestWriteDSDBytes, "100\n4\n1\n1\n3\n77\n0\n",
+         [] { control::FailCall("Q7_ReadDSDBytes", 3, "NVM read timed out"); },
+         "\nWrote 4 bytes to dev data memory\n\nREAD ERROR: NVM read timed out\n" + std::string(kWarning) +
+             "the restored data could not be read back.\n",
+         -1},
+        {"input ends at the region's restore question", TestWriteDSDRegionByID, "7\n1\n10\n0\n", [] {},
+         "\n    Restore contents (1=yes/0=no) ? \nEnd of input: command abandoned.\n" + std::string(kWarning) +
+             "input ended.\n",
+         -1},
+    };
+    for (const Case &c : cases) {
+        c.arm();
+        HandlerRun run = RunHandler(c.handler, hCal, c.answers);
+        EXPECT_EQ(run.result, c.result) << c.what;
+        EXPECT_TRUE(EndsWith(run.output, c.tail)) << c.what << ":\n" << run.output;
+        q7sim::control::Reset();
+        SetUp();
+    }
 }
 
 TEST_F(DsdWritingTest, PatternAnswersOutsideTheFourAreAskedAgain)
