@@ -4,10 +4,15 @@
 
 namespace q7sim {
 
-void DataFault::ApplyToRead(uint8_t *data, uint32_t count) const
+uint32_t DataFault::ApplyToRead(const std::vector<uint8_t> &before, uint8_t *data, uint32_t count) const
 {
     if (kind == Kind::FlipBit && count != 0)
         data[byteIndex % count] ^= mask;
+    if (kind != Kind::ShortRead || byteIndex >= count)
+        return count;
+    // The bytes past those delivered keep what the caller's buffer held.
+    std::copy(before.begin() + byteIndex, before.begin() + count, data + byteIndex);
+    return byteIndex;
 }
 
 uint32_t DataFault::ApplyToWrite(const std::vector<uint8_t> &before, uint8_t *memory, uint32_t written) const
@@ -16,7 +21,8 @@ uint32_t DataFault::ApplyToWrite(const std::vector<uint8_t> &before, uint8_t *me
     case Kind::IgnoreWrite:
         std::copy(before.begin(), before.end(), memory);
         return written;
-    case Kind::StopWrite: {
+    case Kind::StopWrite:
+    case Kind::FailWrite: {
         // The write went in address order: changes after the first
         // `byteIndex` changed bytes never happened.
         uint32_t changed = 0;
@@ -31,6 +37,7 @@ uint32_t DataFault::ApplyToWrite(const std::vector<uint8_t> &before, uint8_t *me
         return std::min(written, byteIndex);
     }
     case Kind::FlipBit:
+    case Kind::ShortRead:
         break;
     }
     return written;
@@ -54,6 +61,8 @@ std::optional<std::string> FaultPlan::TakeFailure(const std::string &operation)
 {
     if (recordCalls_)
         calls_.push_back(operation);
+    if (onCall_)
+        onCall_(operation);
     auto it = failures_.find(operation);
     if (it == failures_.end())
         return std::nullopt;
@@ -136,6 +145,7 @@ void FaultPlan::Clear()
     dataFaults_.clear();
     connectAttempt_ = 1;
     readBack_ = ReadBackFaults{};
+    onCall_ = nullptr;
     recordCalls_ = false;
     calls_.clear();
 }

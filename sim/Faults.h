@@ -4,6 +4,7 @@
 #define Q7SIM_FAULTS_H
 
 #include <cstdint>
+#include <functional>
 #include <map>
 #include <optional>
 #include <string>
@@ -15,15 +16,18 @@ namespace q7sim {
 struct DataFault {
     enum class Kind {
         FlipBit,      // the read hands back `mask` flipped in byte `byteIndex` (modulo the bytes read)
+        ShortRead,    // the read delivers only its first `byteIndex` bytes and reports at most that many
         IgnoreWrite,  // the write reports success and its full count but changes nothing
         StopWrite,    // the write stops after `byteIndex` changed bytes and reports at most that many
+        FailWrite,    // the write stops after `byteIndex` changed bytes and then fails
     };
     Kind kind;
     uint32_t byteIndex;
     uint8_t mask;
 
-    // Applies a read fault to the bytes read.
-    void ApplyToRead(uint8_t *data, uint32_t count) const;
+    // Applies a read fault to the `count` bytes read into `data`, which held
+    // `before` until the read; returns the count of bytes the read reports.
+    uint32_t ApplyToRead(const std::vector<uint8_t> &before, uint8_t *data, uint32_t count) const;
     // Applies a write fault to memory that held `before` until the write;
     // returns the count of bytes written that the write reports.
     uint32_t ApplyToWrite(const std::vector<uint8_t> &before, uint8_t *memory, uint32_t written) const;
@@ -59,6 +63,10 @@ public:
     // ---- Read-back faults: settings that do not read back as written ----
     // The next `count` calls of `operation` answer success and change nothing.
     void IgnoreNext(const std::string &operation, unsigned count);
+    // Called with the Q7_ name of every call that FailNext can fail, before
+    // the call acts: a test's hook into the moment of a call.
+    void OnEveryCall(std::function<void(const std::string &operation)> hook) { onCall_ = std::move(hook); }
+
     // `operation` reports its out-value number `output` (0 = its first
     // out-pointer) with `offset` added, from now on.
     void SkewOutput(const std::string &operation, unsigned output, double offset);
@@ -95,6 +103,7 @@ private:
         uint32_t stuckLevels = 0;
     };
     ReadBackFaults readBack_;
+    std::function<void(const std::string &operation)> onCall_;
     bool recordCalls_ = false;
     std::vector<std::string> calls_;
 };

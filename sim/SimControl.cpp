@@ -28,6 +28,18 @@ void FlipBitOnRead(const char *operation, unsigned nthCall, uint32_t byteIndex, 
     Faults().PlanDataFault(operation, nthCall, DataFault{DataFault::Kind::FlipBit, byteIndex, mask});
 }
 
+void ShortRead(const char *operation, unsigned nthCall, uint32_t bytes)
+{
+    Faults().PlanDataFault(operation, nthCall, DataFault{DataFault::Kind::ShortRead, bytes, 0});
+}
+
+void FailWriteAfter(const char *operation, unsigned nthCall, uint32_t changedBytes)
+{
+    Faults().PlanDataFault(operation, nthCall, DataFault{DataFault::Kind::FailWrite, changedBytes, 0});
+}
+
+void OnEveryCall(std::function<void(const std::string &operation)> hook) { Faults().OnEveryCall(std::move(hook)); }
+
 void IgnoreWrite(const char *operation, unsigned nthCall)
 {
     Faults().PlanDataFault(operation, nthCall, DataFault{DataFault::Kind::IgnoreWrite, 0, 0});

@@ -4,6 +4,7 @@
 #define Q7SIM_SIMCONTROL_H
 
 #include <cstdint>
+#include <functional>
 #include <string>
 #include <vector>
 
@@ -32,11 +33,20 @@ void RefuseWriteKeys(unsigned count);
 // The read hands back `mask` flipped in byte `byteIndex` (modulo the count
 // read); the DSD keeps its contents.
 void FlipBitOnRead(const char *operation, unsigned nthCall, uint32_t byteIndex, uint8_t mask);
+// The read delivers only its first `bytes` bytes (the rest of the caller's
+// buffer keeps what it held); a region read reports at most that many.
+void ShortRead(const char *operation, unsigned nthCall, uint32_t bytes);
 // The write reports success and its full count but changes nothing.
 void IgnoreWrite(const char *operation, unsigned nthCall);
 // The write stops after `changedBytes` changed bytes, in address order, and
 // reports at most that many bytes written.
 void StopWriteAfter(const char *operation, unsigned nthCall, uint32_t changedBytes);
+// The write changes its first `changedBytes` changed bytes, in address order,
+// then fails with "NVM write failed after N bytes".
+void FailWriteAfter(const char *operation, unsigned nthCall, uint32_t changedBytes);
+// `hook` is called with the Q7_ name of every call, before the call acts,
+// until Reset: for a test that acts at the moment of a call (a signal, say).
+void OnEveryCall(std::function<void(const std::string &operation)> hook);
 // Logs, from now until Reset, the Q7_ name of every call that FailNext and
 // FailCall can fail, in call order.
 void RecordCalls();

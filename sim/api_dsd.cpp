@@ -39,7 +39,24 @@ Status KeyedWrite(Device &device, const char *operation, uint32_t key, const Dsd
         return status;
     device.keys.Consume();
     *written = fault ? fault->ApplyToWrite(before, area.bytes, count) : count;
+    if (fault && fault->kind == DataFault::Kind::FailWrite)
+        return Status::Errorf("NVM write failed after %u bytes", *written);
     return Status::Ok();
+}
+
+// A read into `dest` (room for `count` bytes) that sets the count it read; a
+// data fault planned for this call acts on what it delivers.
+template <class Read>
+Status FaultedRead(const char *operation, uint8_t *dest, uint32_t count, uint32_t *returned, Read &&read)
+{
+    std::optional<DataFault> fault = Faults().TakeDataFault(operation);
+    std::vector<uint8_t> before;
+    if (fault)
+        before.assign(dest, dest + count);
+    Status status = read();
+    if (status.ok() && fault)
+        *returned = fault->ApplyToRead(before, dest, *returned);
+    return status;
 }
 
 }  // namespace
@@ -160,11 +177,10 @@ ApiStatus Q7_ReadDSDBytes(CalInterfaceHandle hCal, uint8_t *pu8Dest, uint32_t u3
 {
     const char *operation = __func__;  // __func__ inside a lambda names the lambda
     return Dispatch(hCal, operation, Requires::Connection, [&](Device &device) {
-        std::optional<DataFault> fault = Faults().TakeDataFault(operation);
-        Status status = device.dsd.Read(device.DsdTarget(), pu8Dest, u32ByteCount, u32Address);
-        if (status.ok() && fault)
-            fault->ApplyToRead(pu8Dest, u32ByteCount);
-        return status;
+        uint32_t returned = u32ByteCount;  // a byte read does not say how much it read
+        return FaultedRead(operation, pu8Dest, u32ByteCount, &returned, [&] {
+            return device.dsd.Read(device.DsdTarget(), pu8Dest, u32ByteCount, u32Address);
+        });
     });
 }
 
@@ -180,11 +196,9 @@ ApiStatus Q7_ReadDSDRegionByID(CalInterfaceHandle hCal, int32_t i32RegionID, uin
 {
     const char *operation = __func__;  // __func__ inside a lambda names the lambda
     return Dispatch(hCal, operation, Requires::Connection, [&](Device &device) {
-        std::optional<DataFault> fault = Faults().TakeDataFault(operation);
-        Status status = device.dsd.ReadRegion(device.DsdTarget(), i32RegionID, u32BufferSize, pu8Dest, pu32Returned);
-        if (status.ok() && fault)
-            fault->ApplyToRead(pu8Dest, *pu32Returned);
-        return status;
+        return FaultedRead(operation, pu8Dest, u32BufferSize, pu32Returned, [&] {
+            return device.dsd.ReadRegion(device.DsdTarget(), i32RegionID, u32BufferSize, pu8Dest, pu32Returned);
+        });
     });
 }
 

@@ -29,7 +29,7 @@ static uint32_t PrintItems(bool bMainMenu, uint32_t u32GroupStart, uint32_t au32
     return u32Items;
 }
 
-void RunMenu(CalInterfaceHandle hCal)
+bool RunMenu(CalInterfaceHandle hCal)
 {
     uint32_t au32GroupStart[MAX_MENU_GROUPS];
     bool bMainMenu = true;
@@ -47,7 +47,8 @@ void RunMenu(CalInterfaceHandle hCal)
 
         int iChoice = ReadChoice();
         if (iChoice == -1) {
-            if (bMainMenu)
+            /* A stop signal leaves from any menu at once. */
+            if (bMainMenu || StopSignal() != 0)
                 bExit = true;
             else
                 bMainMenu = true;
@@ -58,8 +59,11 @@ void RunMenu(CalInterfaceHandle hCal)
             bMainMenu = false;
         } else {
             MenuEntry[u32GroupStart + (uint32_t)iChoice - 1].pfnHandler(hCal);
-            /* A command abandoned at end of input leaves through the exit path. */
-            bExit = InputEnded();
+            /* A command cut short by the end of the session leaves through the
+             * exit path. */
+            if (InputEnded())
+                return true;
         }
     }
+    return false;
 }

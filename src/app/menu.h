@@ -9,6 +9,8 @@
 #ifndef Q7_MENU_H
 #define Q7_MENU_H
 
+#include <stdbool.h>
+
 #include "Q7CalAPI.h"
 
 /* A handler of one menu entry: 0 for success, -1 for failure. */
@@ -25,7 +27,8 @@ typedef struct MenuItem {
 
 extern const MenuItem MenuEntry[];
 
-/* Shows the menus until the user leaves the main menu (or input ends). */
-void RunMenu(CalInterfaceHandle hCal);
+/* Shows the menus until the user leaves the main menu, input ends or a stop
+ * signal arrives; true when the session ended inside a command. */
+bool RunMenu(CalInterfaceHandle hCal);
 
 #endif /* Q7_MENU_H */

@@ -2,10 +2,13 @@
 #include <unistd.h>
 
 #include "connection.h"
+#include "console.h"
 
+/* A stop signal interrupts the sleep, which is not resumed; once one has
+ * arrived, sleeps return at once. */
 void Q7_SleepMs(uint32_t u32Milliseconds)
 {
-    if (u32Milliseconds == 0)
+    if (u32Milliseconds == 0 || StopSignal() != 0)
         return;
     usleep(u32Milliseconds * 1000u);
 }

@@ -14,9 +14,9 @@ static void CheckBandConfig(CalInterfaceHandle hCal, uint32_t u32FreqKHz, uint32
     ReportTestError(Q7_SetBandConfig(hCal, u32FreqKHz, u32BandwidthKHz));
     (void)Q7_ForceReSync(hCal);
     Q7_SleepMs(500);
-    ReportTestError(Q7_GetBandConfig(hCal, &u32ReadFreqKHz, &u32ReadBandwidthKHz));
+    const bool bRead = !ReportTestError(Q7_GetBandConfig(hCal, &u32ReadFreqKHz, &u32ReadBandwidthKHz));
     printf("Read:  Freq = %7u - BW = %5u ", u32ReadFreqKHz, u32ReadBandwidthKHz);
-    printf("%s\n", Verdict(u32ReadFreqKHz == u32FreqKHz && u32ReadBandwidthKHz == u32BandwidthKHz));
+    printf("%s\n", Verdict(bRead && u32ReadFreqKHz == u32FreqKHz && u32ReadBandwidthKHz == u32BandwidthKHz));
 }
 
 int AutomatedConfigurationGroupTest(CalInterfaceHandle hCal)
@@ -82,11 +82,11 @@ static void CheckRxGainState(CalInterfaceHandle hCal, uint32_t u32Path)
     uint32_t u32ReadExtLna = 0;
     uint32_t u32ReadFeGainState = 0;
     int32_t i32ReadPgaIndex = 0;
-    ReportTestError(
+    const bool bRead = !ReportTestError(
         Q7_GetRxGainState(hCal, u32Path, &u32ReadExtLna, &u32ReadFeGainState, &i32ReadPgaIndex, &dTotalGain));
     printf("Read  path %u: Ext LNA=%u - LNA=%u -PGA=%2u - Total=%g -- ", u32Path, u32ReadExtLna,
            u32ReadFeGainState, (uint32_t)i32ReadPgaIndex, dTotalGain);
-    printf("%s\n\n", Verdict(u32ReadExtLna == u32NewExtLna && u32ReadFeGainState == u32NewFeGainState &&
+    printf("%s\n\n", Verdict(bRead && u32ReadExtLna == u32NewExtLna && u32ReadFeGainState == u32NewFeGainState &&
                              (uint32_t)i32ReadPgaIndex == u32NewPgaIndex));
 }
 

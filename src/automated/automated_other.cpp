@@ -17,16 +17,17 @@
 #define TEST_REGISTER 30u
 
 /* The masks of the latest GPIO read; a failed read keeps the previous ones
- * (zeros before the first). */
+ * (zeros before the first), and no verdict is given on them. */
 typedef struct GpioState {
     uint32_t u32PinState;
     uint32_t u32Direction; /* 1 = input */
     uint32_t u32WritePermission;
 } GpioState;
 
-static void ReadGpio(CalInterfaceHandle hCal, GpioState *pstGpio)
+/* True when the read succeeded. */
+static bool ReadGpio(CalInterfaceHandle hCal, GpioState *pstGpio)
 {
-    ReportTestError(
+    return !ReportTestError(
         Q7_ReadGPIOState(hCal, &pstGpio->u32PinState, &pstGpio->u32Direction, &pstGpio->u32WritePermission));
 }
 
@@ -51,10 +52,10 @@ static void SetLedPins(CalInterfaceHandle hCal, const GpioState *pstGpio, uint32
 }
 
 /* Reads register 30 of bank 0 immediately; the value stays as it was when the
- * read fails. */
-static void ReadTestRegister(CalInterfaceHandle hCal, uint32_t *pu32Data)
+ * read fails, and the result says whether it succeeded. */
+static bool ReadTestRegister(CalInterfaceHandle hCal, uint32_t *pu32Data)
 {
-    ReportTestError(Q7_ReadRFICRegister(hCal, 0, TEST_REGISTER, 1, pu32Data));
+    return !ReportTestError(Q7_ReadRFICRegister(hCal, 0, TEST_REGISTER, 1, pu32Data));
 }
 
 static void WriteTestRegister(CalInterfaceHandle hCal, uint32_t u32Data)
@@ -70,8 +71,8 @@ static void CheckTestRegister(CalInterfaceHandle hCal, uint32_t u32Data, const c
 
     WriteTestRegister(hCal, u32Data);
     Q7_SleepMs(100);
-    ReadTestRegister(hCal, &u32Read);
-    printf("Wrote %s to Reg 30 - Read back %04X - %s\n", sWritten, u32Read, Verdict(u32Read == u32Data));
+    const bool bRead = ReadTestRegister(hCal, &u32Read);
+    printf("Wrote %s to Reg 30 - Read back %04X - %s\n", sWritten, u32Read, Verdict(bRead && u32Read == u32Data));
 }
 
 static void TestLedPinsAndWritePermission(CalInterfaceHandle hCal)
@@ -90,13 +91,13 @@ static void TestLedPinsAndWritePermission(CalInterfaceHandle hCal)
 
     /* The verdicts look at all three LED pins, a skipped input pin too. */
     SetLedPins(hCal, &stGpio, 0);
-    ReadGpio(hCal, &stGpio);
-    printf("GPIO LED write 0 test: %s\n\n", Verdict((stGpio.u32PinState & LED_PIN_MASK) == 0));
+    bool bRead = ReadGpio(hCal, &stGpio);
+    printf("GPIO LED write 0 test: %s\n\n", Verdict(bRead && (stGpio.u32PinState & LED_PIN_MASK) == 0));
     printf("\n");
     PrintGpioState(&stGpio);
     SetLedPins(hCal, &stGpio, 1);
-    ReadGpio(hCal, &stGpio);
-    printf("GPIO LED write 1 test: %s\n\n", Verdict((stGpio.u32PinState & LED_PIN_MASK) == LED_PIN_MASK));
+    bRead = ReadGpio(hCal, &stGpio);
+    printf("GPIO LED write 1 test: %s\n\n", Verdict(bRead && (stGpio.u32PinState & LED_PIN_MASK) == LED_PIN_MASK));
 
     /* The permission read at the start is not restored. */
     printf("Setting write permissions to 0 -- errors are expected\n");
@@ -131,9 +132,10 @@ static void TestRficRegister(CalInterfaceHandle hCal)
         return;
     }
     WriteTestRegister(hCal, u32Saved);
-    ReadTestRegister(hCal, &u32Read);
+    const bool bRead = ReadTestRegister(hCal, &u32Read);
     Q7_SleepMs(100);
-    printf("Wrote 0x%04X to Reg 30 - Read back %04X - %s\n", u32Saved, u32Read, Verdict(u32Read == u32Saved));
+    printf("Wrote 0x%04X to Reg 30 - Read back %04X - %s\n", u32Saved, u32Read,
+           Verdict(bRead && u32Read == u32Saved));
 }
 
 static void TestGpAdcAndDac(CalInterfaceHandle hCal)
@@ -162,6 +164,8 @@ int AutomatedOtherCommandGroupTest(CalInterfaceHandle hCal)
     (void)TestGetTemperature(hCal);
     TestGpAdcAndDac(hCal);
     PressEnterToContinue(); /* the engineer reads the results before the spectrum */
+    if (InputEnded())
+        return -1;
 
     PrintTestHeading("Spectrum commands");
     printf("\nResetRxSpectrum\n");

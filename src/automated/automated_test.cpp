@@ -56,19 +56,23 @@ int AutomatedTest(CalInterfaceHandle hCal)
         AutomatedLoopbackGroupTest,      AutomatedOtherCommandGroupTest, AutomatedDSDManagementGroupTest,
         AutomatedDSDReadWriteGroupTest,
     };
+    const uint32_t u32StackPointerAtStart = u32DeviceModeStackPointer;
 
     PushDeviceMode(hCal, 4, 1, 1000, 0); /* AGC free-run, 16 QAM */
     for (size_t i = 0; i < sizeof apfnGroupTests / sizeof apfnGroupTests[0]; i++) {
         (void)apfnGroupTests[i](hCal); /* a failing group never ends the run */
         PressEnterToContinue();
-        /* The next group starts only after Enter: once input has ended the
-         * remaining groups are abandoned and the device mode restored. */
-        if (InputEnded() && i + 1 < sizeof apfnGroupTests / sizeof apfnGroupTests[0]) {
-            printf("\nEnd of input: command abandoned.\n");
+        /* The next group starts only after Enter: once the session is ending
+         * (input ended, a stop signal) the remaining groups are abandoned. */
+        if (InputEnded()) {
+            (void)AbandonCommand();
             break;
         }
     }
-    PopDeviceMode(hCal, NULL, NULL, NULL, NULL);
+    /* Back to the mode the device had when the test began, also after a
+     * group that was cut short with a mode of its own still pushed. */
+    while (u32DeviceModeStackPointer > u32StackPointerAtStart)
+        PopDeviceMode(hCal, NULL, NULL, NULL, NULL);
     return 0;
 }
 

@@ -53,9 +53,9 @@ static void CheckTxAttn(CalInterfaceHandle hCal, uint32_t u32FirstReadSelector, 
     printf("Wrote: transmitter mode \t\t\t\t=%u\n", u32TxSelector);
     PrintTxAttnSettings(pstWrite);
     Q7_SleepMs(500);
-    ReportTestError(GetTxAttnSettings(hCal, u32TxSelector, pstRead));
+    const bool bRead = !ReportTestError(GetTxAttnSettings(hCal, u32TxSelector, pstRead));
     PrintReadBlock(u32FirstReadSelector, pstRead);
-    printf("%s\n", Verdict(pstRead->dBasebandAttnDb == pstWrite->dBasebandAttnDb &&
+    printf("%s\n", Verdict(bRead && pstRead->dBasebandAttnDb == pstWrite->dBasebandAttnDb &&
                            pstRead->u32MixerThermIndex == pstWrite->u32MixerThermIndex &&
                            pstRead->u32MixerBinaryIndex == pstWrite->u32MixerBinaryIndex &&
                            pstRead->u32PaDriverThermIndex == pstWrite->u32PaDriverThermIndex &&
@@ -69,8 +69,8 @@ static void CheckTxOutputPower(CalInterfaceHandle hCal, const char *sAnnouncemen
 
     printf("%s", sAnnouncement);
     ReportTestError(Q7_SetTxOutputPower(hCal, dPowerDbm));
-    ReportTestError(Q7_GetTxOutputPower(hCal, &dReadDbm));
-    printf("Read %3g dBm  %s\n", dReadDbm, Verdict(dReadDbm == dPowerDbm));
+    const bool bRead = !ReportTestError(Q7_GetTxOutputPower(hCal, &dReadDbm));
+    printf("Read %3g dBm  %s\n", dReadDbm, Verdict(bRead && dReadDbm == dPowerDbm));
 }
 
 static void CheckTxDiversitySwitch(CalInterfaceHandle hCal, const char *sAnnouncement, uint32_t u32Position)
@@ -79,8 +79,8 @@ static void CheckTxDiversitySwitch(CalInterfaceHandle hCal, const char *sAnnounc
 
     printf("%s", sAnnouncement);
     ReportTestError(Q7_SetTxDiversitySwitch(hCal, u32Position));
-    ReportTestError(Q7_GetTxDiversitySwitch(hCal, &u32ReadPosition));
-    printf("Read %d  %s\n", (int32_t)u32ReadPosition, Verdict(u32ReadPosition == u32Position));
+    const bool bRead = !ReportTestError(Q7_GetTxDiversitySwitch(hCal, &u32ReadPosition));
+    printf("Read %d  %s\n", (int32_t)u32ReadPosition, Verdict(bRead && u32ReadPosition == u32Position));
 }
 
 int AutomatedTxGroupTest(CalInterfaceHandle hCal)

@@ -70,6 +70,8 @@ int TestGetOptionByID(CalInterfaceHandle hCal)
         return -1;
     for (;;) {
         int iChoice = GetOptionChoice(1);
+        if (iChoice == -1 && InputEnded())
+            return AbandonCommand();
         if (iChoice == -1)
             break;
         uint32_t u32First = iChoice == ALL_OPTIONS ? 0 : (uint32_t)iChoice;
@@ -95,6 +97,8 @@ int TestSetOptionByID(CalInterfaceHandle hCal)
     for (;;) {
         uint32_t u32Value = 0;
         int iChoice = GetOptionChoice(0);
+        if (iChoice == -1 && InputEnded())
+            return AbandonCommand();
         if (iChoice == -1)
             break;
         if (!ReadUnsigned(&u32Value, "\nOption value = "))

@@ -47,12 +47,24 @@ static bool LoadAndShowChecksums(CalInterfaceHandle hCal, const char *sLoadingMo
     return true;
 }
 
+/* Sets the NVM mode and reads it back: the writes that follow would go to the
+ * NVM itself if the device stayed in mode 0. */
 static bool SetNvmMode(CalInterfaceHandle hCal, uint32_t u32NvmMode)
 {
+    int32_t i32ReadMode = -1;
+
     puts("====================");
     printf("Setting NVM mode = %d\n", (int)u32NvmMode);
     puts("====================");
-    return !ReportError(Q7_SetOptionByID(hCal, NVM_MODE_OPTION_ID, u32NvmMode));
+    if (ReportError(Q7_SetOptionByID(hCal, NVM_MODE_OPTION_ID, u32NvmMode)) ||
+        ReportError(Q7_GetOptionByID(hCal, NVM_MODE_OPTION_ID, &i32ReadMode)))
+        return false;
+    if (i32ReadMode != (int32_t)u32NvmMode) {
+        printf("\nERROR: The device is in NVM mode %d after NVM mode %d was set\n", (int)i32ReadMode,
+               (int)u32NvmMode);
+        return false;
+    }
+    return true;
 }
 
 /* Reads the 128 bytes at the offset into the cleared read-back area and

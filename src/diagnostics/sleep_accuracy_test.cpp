@@ -5,6 +5,7 @@
 
 #include "command_steps.h"
 #include "connection.h"
+#include "console.h"
 #include "data_utils.h"
 #include "diagnostics.h"
 
@@ -41,6 +42,8 @@ int SleepAccuracyTest(CalInterfaceHandle hCal)
         double dNominalMs = (double)u32NominalMs;
         printf("Actual %5.2f ms - Nominal = %5.2f ms - Excess = %4.2f ms\n", dActualMs, dNominalMs,
                dActualMs - dNominalMs);
+        if (StopSignal() != 0) /* the sleeps were cut short: no figure is true */
+            return AbandonCommand();
     }
     printf("\n");
     return ReportSuccess("SleepAccuracyTest");

@@ -4,6 +4,7 @@
 #include <errno.h>
 #include <limits.h>
 #include <math.h>
+#include <signal.h>
 #include <stdarg.h>
 #include <stdio.h>
 #include <stdio_ext.h>
@@ -13,11 +14,10 @@
 #include <unistd.h>
 
 #define PAD_STRING_MAX 80u
-#define CHOICE_WORD_MAX 49
+#define CHOICE_WORD_MAX 49u
 #define PROMPT_MAX 512
 /* Longer answers are not numbers any reader could take. */
-#define ANSWER_WORD_MAX 63
-#define ANSWER_WORD_MAX_TEXT "63"
+#define ANSWER_WORD_MAX 63u
 
 static char gs_sPadBuffer[PAD_STRING_MAX + 1];
 
@@ -25,13 +25,115 @@ static char gs_sPadBuffer[PAD_STRING_MAX + 1];
 static bool gs_bInputEnded = false;
 /* The last read stopped inside a line: its line end has not been read yet. */
 static bool gs_bLinePending = false;
+/* The signal that asks the session to stop, set by the handler alone. */
+static volatile sig_atomic_t gs_iStopSignal = 0;
+/* A write to standard output failed, and the error it failed with. */
+static bool gs_bOutputFailed = false;
+static int gs_iOutputError = 0;
+/* The abandon line has been printed. */
+static bool gs_bAbandonAnnounced = false;
 
-bool InputEnded(void) { return gs_bInputEnded; }
+bool InputEnded(void) { return gs_bInputEnded || gs_iStopSignal != 0 || gs_bOutputFailed; }
+
+int StopSignal(void) { return gs_iStopSignal; }
 
 void ResetInputState(void)
 {
     gs_bInputEnded = false;
     gs_bLinePending = false;
+    gs_iStopSignal = 0;
+    gs_bOutputFailed = false;
+    gs_iOutputError = 0;
+    gs_bAbandonAnnounced = false;
+    clearerr(stdin);
+}
+
+static void OnStopSignal(int iSignal)
+{
+    /* A second Ctrl-C is the engineer insisting: end at once, by the signal. */
+    if (iSignal == SIGINT && gs_iStopSignal != 0) {
+        signal(SIGINT, SIG_DFL);
+        raise(SIGINT);
+        return;
+    }
+    gs_iStopSignal = iSignal;
+}
+
+void CatchStopSignals(void)
+{
+    struct sigaction stAction;
+    memset(&stAction, 0, sizeof stAction);
+    stAction.sa_handler = OnStopSignal;
+    sigemptyset(&stAction.sa_mask);
+    stAction.sa_flags = 0; /* no SA_RESTART: a blocking read or sleep returns */
+    const int aiSignals[] = {SIGINT, SIGTERM, SIGHUP};
+    for (size_t i = 0; i < sizeof aiSignals / sizeof aiSignals[0]; i++) {
+        struct sigaction stBefore;
+        /* A signal the caller ignores (nohup, a background job) stays ignored. */
+        if (sigaction(aiSignals[i], NULL, &stBefore) == 0 && stBefore.sa_handler != SIG_IGN)
+            sigaction(aiSignals[i], &stAction, NULL);
+    }
+    signal(SIGPIPE, SIG_IGN);
+}
+
+static const char *SignalName(int iSignal)
+{
+    switch (iSignal) {
+    case SIGINT:
+        return "SIGINT";
+    case SIGTERM:
+        return "SIGTERM";
+    case SIGHUP:
+        return "SIGHUP";
+    default:
+        return "a signal";
+    }
+}
+
+/* Flushes what was printed; a failure ends the session like end of input. */
+static void FlushOutput(void)
+{
+    if (fflush(stdout) != 0 || ferror(stdout)) {
+        if (!gs_bOutputFailed)
+            gs_iOutputError = errno;
+        gs_bOutputFailed = true;
+    }
+}
+
+/* Flushes the prompt; true when an answer may be read. */
+static bool ReadyToRead(void)
+{
+    FlushOutput();
+    return !InputEnded();
+}
+
+const char *WhyInputEnded(void)
+{
+    if (gs_iStopSignal != 0)
+        return "the session was interrupted";
+    return gs_bOutputFailed ? "standard output could not be written" : "input ended";
+}
+
+int AbandonCommand(void)
+{
+    if (gs_bAbandonAnnounced)
+        return -1;
+    gs_bAbandonAnnounced = true;
+    if (gs_iStopSignal != 0)
+        printf("\nInterrupted by %s: command abandoned.\n", SignalName(gs_iStopSignal));
+    else
+        printf("\nEnd of input: command abandoned.\n");
+    return -1;
+}
+
+bool FinishOutput(void)
+{
+    FlushOutput();
+    if (!gs_bOutputFailed)
+        return true;
+    fprintf(stderr, "q7cal: write error on standard output: %s\n",
+            gs_iOutputError != 0 ? strerror(gs_iOutputError) : "output lost");
+    return false;
 }
 
 static void DiscardRestOfLine(void)
@@ -43,34 +145,51 @@ static void DiscardRestOfLine(void)
     gs_bLinePending = false;
 }
 
-/* Drops what is left of the word just read (up to the next blank, which stays
- * pending); true when anything was dropped. */
-static bool DropRestOfWord(void)
+/* Reads one word: blanks and line ends before it are skipped, and at most
+ * u32Max characters are kept (the rest of a longer word is dropped; *pbCut
+ * says so). A word holding a NUL byte comes back empty, which no reader takes
+ * for a number. EOF at end of input, and when a stop signal interrupts the
+ * read; else the length kept. */
+static int ReadWord(char *sWord, uint32_t u32Max, bool *pbCut)
 {
-    bool bDropped = false;
+    uint32_t u32Length = 0;
+    bool bNul = false;
     int c;
-    while ((c = getchar()) != EOF && !isspace(c))
-        bDropped = true;
+
+    *pbCut = false;
+    do {
+        c = getchar();
+    } while (c != EOF && isspace(c));
+    if (c == EOF)
+        return EOF;
+    for (; c != EOF && !isspace(c); c = getchar()) {
+        if (c == '\0')
+            bNul = true;
+        if (u32Length < u32Max)
+            sWord[u32Length++] = (char)c;
+        else
+            *pbCut = true;
+    }
     if (c != EOF)
-        ungetc(c, stdin);
-    return bDropped;
+        ungetc(c, stdin); /* the blank after the word stays pending */
+    gs_bLinePending = true;
+    if (gs_iStopSignal != 0)
+        return EOF; /* the signal may have cut the word short */
+    if (bNul)
+        u32Length = 0;
+    sWord[u32Length] = '\0';
+    return (int)u32Length;
 }
 
 int ReadChoice(void)
 {
     char sWord[CHOICE_WORD_MAX + 1];
-    memset(sWord, 0, sizeof sWord);
+    bool bCut = false;
 
-    fflush(stdout);
-    if (gs_bInputEnded || scanf("%49s", sWord) != 1) {
+    if (!ReadyToRead() || ReadWord(sWord, CHOICE_WORD_MAX, &bCut) == EOF) {
         gs_bInputEnded = true;
         return -1;
     }
-    gs_bLinePending = true;
-    /* The rest of an over-long word belongs to this choice, not the next one. */
-    if (strlen(sWord) == CHOICE_WORD_MAX)
-        DropRestOfWord();
-
     char *pEnd = NULL;
     errno = 0;
     long lChoice = strtol(sWord, &pEnd, 10);
@@ -92,6 +211,8 @@ char *PadString(const char *sText, char cFill, uint32_t u32Width)
 
 void PressEnterToContinue(void)
 {
+    if (InputEnded())
+        return;
     if (isatty(fileno(stdin))) {
         __fpurge(stdin);
         tcflush(fileno(stdin), TCIFLUSH);
@@ -101,9 +222,8 @@ void PressEnterToContinue(void)
     }
 
     printf("\nPress Enter to continue");
-    fflush(stdout);
-    char c = '\n';
-    if (gs_bInputEnded || scanf("%c", &c) != 1)
+    int c = ReadyToRead() ? getchar() : EOF;
+    if (c == EOF)
         gs_bInputEnded = true;
     else
         gs_bLinePending = c != '\n';
@@ -188,31 +308,20 @@ static const AnswerKind gs_stSigned = {ParseSigned, "a decimal number", "from -2
 static const AnswerKind gs_stHex = {ParseHex, "a hexadecimal number", "up to FFFFFFFF"};
 static const AnswerKind gs_stDouble = {ParseDouble, "a number", "within the range of a double"};
 
-/* Reads one word of at most ANSWER_WORD_MAX characters: 1, or EOF at end of
- * input. The rest of a longer word is dropped and the word made empty, which
- * no kind accepts. */
-static int ReadAnswerWord(char sWord[ANSWER_WORD_MAX + 1])
-{
-    if (scanf("%" ANSWER_WORD_MAX_TEXT "s", sWord) != 1)
-        return EOF;
-    gs_bLinePending = true;
-    if (strlen(sWord) == ANSWER_WORD_MAX && DropRestOfWord())
-        sWord[0] = '\0';
-    return 1;
-}
-
 __attribute__((format(printf, 3, 0))) static bool ReadAnswer(const AnswerKind *pKind, void *pValue,
                                                             const char *sPromptFormat, va_list args)
 {
     char sPrompt[PROMPT_MAX];
     char sWord[ANSWER_WORD_MAX + 1];
+    bool bCut = false;
     vsnprintf(sPrompt, sizeof sPrompt, sPromptFormat, args);
 
-    while (!gs_bInputEnded) {
+    while (!InputEnded()) {
         fputs(sPrompt, stdout);
-        fflush(stdout);
-        if (ReadAnswerWord(sWord) == EOF)
+        if (!ReadyToRead() || ReadWord(sWord, ANSWER_WORD_MAX, &bCut) == EOF)
             break;
+        if (bCut)
+            sWord[0] = '\0'; /* too long to be a number */
         AnswerParse eParse = pKind->pfnParse(sWord, pValue);
         if (eParse == ANSWER_OK)
             return true;
@@ -223,7 +332,7 @@ __attribute__((format(printf, 3, 0))) static bool ReadAnswer(const AnswerKind *p
         DiscardRestOfLine();
     }
     gs_bInputEnded = true;
-    printf("\nEnd of input: command abandoned.\n");
+    AbandonCommand();
     return false;
 }
 

@@ -8,8 +8,12 @@
  *    fit the value's type: one line says what is expected, the rest of that
  *    input line is dropped and the same prompt is asked again;
  *  - end of input: the Read* helpers print one line and return false, and the
- *    caller abandons its command before it changes the device; the menu then
- *    leaves through its normal exit path. At a menu, end of input reads as -1.
+ *    caller abandons its command before it changes the device (or, when it
+ *    has changed it already, after finishing what the engineer asked for:
+ *    a restore, a device mode popped); the menu then leaves through its
+ *    normal exit path. At a menu, end of input reads as -1.
+ * A stop signal (SIGINT, SIGTERM, SIGHUP) or standard output that can no
+ * longer be written ends the session the same way, at the next read.
  */
 #ifndef Q7_CONSOLE_H
 #define Q7_CONSOLE_H
@@ -44,10 +48,33 @@ bool ReadSigned(int32_t *pi32Value, const char *sPromptFormat, ...) __attribute_
 bool ReadHex(uint32_t *pu32Value, const char *sPromptFormat, ...) __attribute__((format(printf, 2, 3)));
 bool ReadDouble(double *pdValue, const char *sPromptFormat, ...) __attribute__((format(printf, 2, 3)));
 
-/* True once standard input has ended. */
+/* True once the session takes no more answers: standard input has ended, a
+ * stop signal arrived, or standard output could not be written. */
 bool InputEnded(void);
 
-/* Forget what was learnt about standard input; for a new input stream. */
+/* Why the session takes no more answers, for a line that ends "because ...":
+ * "input ended", "the session was interrupted" (by a stop signal) or
+ * "standard output could not be written". */
+const char *WhyInputEnded(void);
+
+/* Prints, once per session, the line that says why the command in progress
+ * is abandoned (end of input, or the signal); returns -1. */
+int AbandonCommand(void);
+
+/* SIGINT, SIGTERM and SIGHUP end the session at its next read, sleep or check
+ * (a blocking read or a sleep is interrupted); a second SIGINT ends the
+ * program at once. SIGPIPE is ignored: a closed pipe is an output error. */
+void CatchStopSignals(void);
+
+/* The stop signal that arrived, or 0. */
+int StopSignal(void);
+
+/* Flushes standard output at the end of the session: false, after a line on
+ * stderr, when anything written to it was lost. */
+bool FinishOutput(void);
+
+/* Forget what was learnt about standard input, a stop signal and output
+ * errors; for a new session. */
 void ResetInputState(void);
 
 #endif /* Q7_CONSOLE_H */

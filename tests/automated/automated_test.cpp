@@ -3,12 +3,15 @@
 // read-back fault showing FAIL at its own check while the run goes on.
 #include <gtest/gtest.h>
 
+#include <signal.h>
+
 #include <sstream>
 #include <string>
 #include <vector>
 
 #include "SimControl.h"
 #include "automated.h"
+#include "console.h"
 #include "console_capture.h"
 
 namespace {
@@ -146,14 +149,26 @@ TEST_F(AutomatedTestTest, AHealthyDevicePassesEveryCheckAndEndsInNormalModeTwice
     EXPECT_EQ(Count(second, "PASS"), 19u);
 }
 
-TEST_F(AutomatedTestTest, EndOfInputAtAPauseAbandonsTheGroupsLeftAndRestoresTheMode)
+TEST_F(AutomatedTestTest, EndOfInputAbandonsTheGroupsLeftOnceAndRestoresTheMode)
 {
-    std::string output = Run("\n");
-    EXPECT_TRUE(Contains(output, "Testing GetRSSIReport and related commands"));
-    EXPECT_TRUE(EndsWith(output, "\nPress Enter to continue\n\nEnd of input: command abandoned.\n" +
-                                     std::string(kFinalPop)));
-    EXPECT_FALSE(Contains(output, "TX COMMAND GROUP"));
-    ExpectMode(0, 0, 0, 0);
+    struct Case {
+        const char *answers;
+        const char *lastGroupHeading;
+        const char *notReached;
+    } cases[] = {
+        {"\n", "Testing GetRSSIReport and related commands", "TX COMMAND GROUP"},
+        // At the pause inside the other-command group: the spectrum is not reset.
+        {"\n\n\n\n", "Testing GetGPADCValue and SetGPDACValue", "ResetRxSpectrum"},
+        // At the LoadDSD prompt: its handler says it, and the driver does not again.
+        {"\n\n\n\n\n\n", "Testing GetMACAddress", "Testing ReadDSDBytes"},
+    };
+    for (const Case &c : cases) {
+        std::string output = Run(c.answers);
+        EXPECT_TRUE(Contains(output, c.lastGroupHeading)) << c.answers;
+        EXPECT_FALSE(Contains(output, c.notReached)) << c.answers;
+        EXPECT_EQ(Count(output, "\nEnd of input: command abandoned.\n"), 1u) << output;
+        ExpectMode(0, 0, 0, 0);
+    }
 }
 
 // ---- Read-back faults: FAIL at the check concerned, the run goes on ----
@@ -257,6 +272,65 @@ TEST_F(AutomatedTestTest, AFailingSpectrumResetEndsOnlyItsGroup)
     EXPECT_TRUE(Contains(output, "Setting symbol index to be captured to 1\nERROR: Device fault\n\nPress Enter"));
     EXPECT_FALSE(Contains(output, "Get Version Information Command"));
     EXPECT_TRUE(Contains(output, "Testing DSD Management Commands"));
+}
+
+// ---- A check whose read-back call fails is FAIL, never PASS ----
+
+// Each verdict line in run order, "PASS" or "FAIL".
+std::vector<std::string> Verdicts(const std::string &output)
+{
+    std::vector<std::string> verdicts;
+    std::istringstream in(output);
+    for (std::string line; std::getline(in, line);)
+        if (EndsWith(line, "PASS") || EndsWith(line, "FAIL"))
+            verdicts.push_back(line.substr(line.size() - 4));
+    return verdicts;
+}
+
+TEST_F(AutomatedTestTest, EveryCheckWhoseReadBackFailsIsFailAndTheRunGoesOn)
+{
+    struct ReadBack {
+        const char *operation;
+        unsigned call;
+        size_t verdict;  // its line among the 19
+    } readBacks[] = {
+        {"Q7_GetBandConfig", 2, 0},         {"Q7_GetBandConfig", 3, 1},        {"Q7_GetBandConfig", 4, 2},
+        {"Q7_GetRxGainState", 2, 3},        {"Q7_GetRxGainState", 4, 4},       {"Q7_GetTxAttn", 2, 5},
+        {"Q7_GetTxAttn", 3, 6},             {"Q7_GetTxOutputPower", 1, 7},     {"Q7_GetTxOutputPower", 2, 8},
+        {"Q7_GetTxOutputPower", 3, 9},      {"Q7_GetTxDiversitySwitch", 1, 10}, {"Q7_GetTxDiversitySwitch", 2, 11},
+        {"Q7_GetTxDiversitySwitch", 3, 12}, {"Q7_ReadGPIOState", 3, 13},       {"Q7_ReadGPIOState", 4, 14},
+        {"Q7_ReadRFICRegister", 3, 15},     {"Q7_ReadRFICRegister", 4, 16},    {"Q7_ReadRFICRegister", 5, 17},
+        {"Q7_ReadRFICRegister", 6, 18},
+    };
+    for (const ReadBack &readBack : readBacks) {
+        q7sim::control::FailCall(readBack.operation, readBack.call, "Device fault");
+        std::vector<std::string> expected(19, "PASS");
+        expected[readBack.verdict] = "FAIL";
+        EXPECT_EQ(Verdicts(Run()), expected) << readBack.operation << " call " << readBack.call;
+        q7sim::control::Reset();
+        SetUp();
+    }
+}
+
+TEST_F(AutomatedTestTest, ASignalEndsTheRunAtItsNextPauseWithTheModePoppedBack)
+{
+    CatchStopSignalsInTest();
+    // At the first band write, before its 500 ms wait; once, as a second
+    // SIGINT ends the program at once.
+    q7sim::control::OnEveryCall([raised = false](const std::string &operation) mutable {
+        if (operation == "Q7_SetBandConfig" && !raised) {
+            raised = true;
+            raise(SIGINT);
+        }
+    });
+    HandlerRun run = RunHandler(AutomatedTest, hCal, kRunAnswers);
+    ReleaseStopSignals();
+    EXPECT_EQ(StopSignal(), SIGINT);
+    EXPECT_TRUE(EndsWith(run.output, "\nInterrupted by SIGINT: command abandoned.\n" + std::string(kFinalPop)))
+        << run.output;
+    EXPECT_FALSE(Contains(run.output, "Press Enter")) << "no pause waits once the signal came";
+    EXPECT_FALSE(Contains(run.output, "Testing GetRxAntConfig")) << "the groups after it are abandoned";
+    ExpectMode(0, 0, 0, 0);
 }
 
 // ---- The loopback group stops at its first failing calibration ----

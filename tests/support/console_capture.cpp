@@ -1,5 +1,7 @@
 #include "console_capture.h"
 
+#include <signal.h>
+
 #include <cstdio>
 #include <cstdlib>
 
@@ -83,6 +85,18 @@ std::vector<uint8_t> SimulatedDeviceTest::BlockValidity()
     EXPECT_EQ(Q7_AreDSDChecksumsValid(hCal, valid.data(), &count), nullptr);
     EXPECT_EQ(count, 12u);
     return valid;
+}
+
+void CatchStopSignalsInTest()
+{
+    ReleaseStopSignals();
+    CatchStopSignals();
+}
+
+void ReleaseStopSignals()
+{
+    for (int sig : {SIGINT, SIGTERM, SIGHUP})
+        signal(sig, SIG_DFL);
 }
 
 std::string Text(ApiStatus status) { return status != nullptr ? status : "(success)"; }

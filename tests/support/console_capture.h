@@ -44,6 +44,11 @@ protected:
     CalInterfaceHandle hCal = nullptr;
 };
 
+// The program's stop-signal handlers, installed even where the test runner
+// ignores a signal; and the default actions back.
+void CatchStopSignalsInTest();
+void ReleaseStopSignals();
+
 // A Cal API status as text: "(success)" for success.
 std::string Text(ApiStatus status);
 bool Contains(const std::string &text, const std::string &part);

@@ -1,5 +1,9 @@
 #include <gtest/gtest.h>
 
+#include <signal.h>
+
+#include <cstdio>
+
 #include <cstring>
 #include <functional>
 #include <string>
@@ -27,6 +31,8 @@ TEST(ReadChoice, TakesTheNumberAtTheStartOfEachWordAndSkipsEmptyLines)
     EXPECT_EQ(Choices("\n\n\n  4\n", 1), (std::vector<int>{4}));
     // Over-long and out-of-range words are one invalid choice each.
     EXPECT_EQ(Choices(std::string(60, '1') + " 5\n99999999999\n", 3), (std::vector<int>{0, 5, 0}));
+    // A word with a NUL byte in it is no number at all.
+    EXPECT_EQ(Choices(std::string("1\0\0\08 5\n", 8), 2), (std::vector<int>{0, 5}));
 }
 
 TEST(ReadChoice, EndOfInputReadsAsMinusOneEveryTime)
@@ -166,6 +172,7 @@ TEST(Readers, RefuseNumbersThatDoNotFitOrCarryTrailingText)
     const std::string notUnsigned = "\nNot a number. Please enter an unsigned decimal number.\n";
     const std::string bigUnsigned = "\nOut of range. Please enter an unsigned decimal number up to 4294967295.\n";
     const std::string bigSigned = "\nOut of range. Please enter a decimal number from -2147483648 to 2147483647.\n";
+    const std::string notHex = "\nNot a number. Please enter a hexadecimal number.\n";
     const std::string bigHex = "\nOut of range. Please enter a hexadecimal number up to FFFFFFFF.\n";
     const std::vector<Case> cases = {
         {"4294967296\n4294967295\n", unsignedValue, {bigUnsigned}, "4294967295"},
@@ -174,6 +181,7 @@ TEST(Readers, RefuseNumbersThatDoNotFitOrCarryTrailingText)
         {"2147483648\n-2147483649\n-2147483648\n", signedValue, {bigSigned, bigSigned}, "-2147483648"},
         {"1FFFFFFFF\n0x7E1A0D5D\n", hexValue, {bigHex}, "2115636573"},
         {"-1\n", hexValue, {}, "4294967295"},
+        {std::string("10\0zz\n1\0\0\08\n3\n", 13), hexValue, {notHex, notHex}, "3"},
         {"1e999\n0x1p-2\n", doubleValue, {"\nOut of range. Please enter a number within the range of a double.\n"},
          "0.250000"},
     };
@@ -198,6 +206,40 @@ TEST(Readers, EndOfInputAbandonsWithOneLineAndLeavesTheValue)
     EXPECT_FALSE(read);
     EXPECT_EQ(value, 77);
     EXPECT_EQ(output, "N? \nNot a number. Please enter a decimal number.\nN? \nEnd of input: command abandoned.\n");
+}
+
+// A stop signal, or standard output that can no longer be written, ends the
+// session at the next read as end of input does; the abandon line says which,
+// once.
+TEST(SessionEnd, AStopSignalOrAFailedOutputEndsInputAtTheNextRead)
+{
+    CatchStopSignalsInTest();
+    uint32_t value = 5;
+    std::string output = RunWithInput("7\n8\n", [&] {
+        raise(SIGTERM);
+        EXPECT_FALSE(ReadUnsigned(&value, "N? "));
+        EXPECT_EQ(AbandonCommand(), -1);
+        EXPECT_EQ(ReadChoice(), -1);
+        EXPECT_EQ(StopSignal(), SIGTERM);
+    });
+    ReleaseStopSignals();
+    EXPECT_EQ(output, "\nInterrupted by SIGTERM: command abandoned.\n");
+    EXPECT_EQ(value, 5u);
+
+    bool written = true;
+    RunWithInput("7\n", [&] {
+        FILE *captured = stdout;
+        stdout = std::fopen("/dev/full", "w");
+        ASSERT_NE(stdout, nullptr);
+        EXPECT_FALSE(ReadUnsigned(&value, "N? "));
+        EXPECT_TRUE(InputEnded());
+        EXPECT_STREQ(WhyInputEnded(), "standard output could not be written");
+        written = FinishOutput();
+        std::fclose(stdout);
+        stdout = captured;
+    });
+    EXPECT_FALSE(written);
+    EXPECT_EQ(value, 5u);
 }
 
 }  // namespace

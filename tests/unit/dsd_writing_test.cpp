@@ -170,7 +170,7 @@ TEST_F(DsdWritingTest, SizesBeyondTheBufferOrTheImageAreRefusedBeforeTheDeviceIs
 
 TEST_F(DsdWritingTest, ABlockVerifyErrorIsReportedWordByWordAndWithholdsTheRestoreSilently)
 {
-    q7sim::control::FlipBitOnRead("Q7_ReadDSDBytes", 2, 4, 0x01);  // read 1 saves the original
+    q7sim::control::FlipBitOnRead("Q7_ReadDSDBytes", 3, 4, 0x01);  // reads 1 and 2 save the original
     HandlerRun run = RunHandler(TestWriteDSDBlock, hCal, "100\n2\n1\n1\n3\n12345678\n1\n");
     EXPECT_EQ(run.result, -1);
     EXPECT_EQ(run.output,
@@ -192,7 +192,7 @@ TEST_F(DsdWritingTest, ABlockVerifyErrorIsReportedWordByWordAndWithholdsTheResto
 
 TEST_F(DsdWritingTest, AByteVerifyErrorIsReportedAndTheRestoreWithheldWithAWarning)
 {
-    q7sim::control::FlipBitOnRead("Q7_ReadDSDBytes", 2, 3, 0x01);
+    q7sim::control::FlipBitOnRead("Q7_ReadDSDBytes", 3, 3, 0x01);
     HandlerRun run = RunHandler(TestWriteDSDBytes, hCal, "200\n4\n1\n1\n3\nAB\n1\n");
     EXPECT_EQ(run.result, -1);
     EXPECT_EQ(run.output,
@@ -217,15 +217,15 @@ TEST_F(DsdWritingTest, AByteVerifyErrorIsReportedAndTheRestoreWithheldWithAWarni
 
 TEST_F(DsdWritingTest, HeaderFieldsCountFourErrorsAndFillerBytesOne)
 {
-    // Image reads: 1 saves the original, 2 verifies.
-    q7sim::control::FlipBitOnRead("Q7_ReadDSDBytes", 2, 64520 + 3, 0x80);
+    // Image reads: 1 and 2 save the original, 3 verifies.
+    q7sim::control::FlipBitOnRead("Q7_ReadDSDBytes", 3, 64520 + 3, 0x80);
     HandlerRun run = RunHandler(TestWriteFlash2xBytesWithHeader, hCal, "100\n16\n1\n4\n3\n1\n0\n3\n5A\n1\n");
     EXPECT_EQ(run.result, -1);
     EXPECT_TRUE(EndsWith(run.output, "Header DSDImagePriority verify error:    Read back 00000083 - Expected 00000003\n"
                                      "\n\n4 verify errors.\n"))
         << run.output;
 
-    q7sim::control::FlipBitOnRead("Q7_ReadDSDBytes", 2, 64600, 0x01);
+    q7sim::control::FlipBitOnRead("Q7_ReadDSDBytes", 3, 64600, 0x01);
     run = RunHandler(TestWriteFlash2xBytesWithHeader, hCal, "100\n16\n1\n4\n3\n1\n0\n3\n5A\n1\n");
     EXPECT_TRUE(EndsWith(run.output, "\nRead back [0000FC58] = FE - Expected FF - Verify ERROR\n"
                                      "\n\n1 verify errors.\n"))
@@ -236,7 +236,7 @@ TEST_F(DsdWritingTest, ARegionVerifyErrorStillLetsTheRegionBeRestored)
 {
     std::vector<uint8_t> before = DsdStores();
     std::string size = std::to_string(Region(7).size());
-    q7sim::control::FlipBitOnRead("Q7_ReadDSDRegionByID", 2, 20, 0x01);  // in the zeroed rest
+    q7sim::control::FlipBitOnRead("Q7_ReadDSDRegionByID", 3, 20, 0x01);  // in the zeroed rest
     HandlerRun run = RunHandler(TestWriteDSDRegionByID, hCal, "7\n1\n10\n1\n1\n");
     EXPECT_EQ(run.result, -1);
     EXPECT_EQ(run.output,
@@ -318,12 +318,15 @@ TEST_F(DsdWritingTest, FailuresEndTheCommandAndSayWhatTheStoreHolds)
     EXPECT_TRUE(EndsWith(run.output, "\n    Restore contents (1=yes/0=no) ? \nREAD ERROR: NVM read timed out\n"));
     EXPECT_TRUE(DsdStores() == before);
 
-    // A failed verification read of a byte write follows its count line.
-    q7sim::control::FailCall("Q7_ReadDSDBytes", 2, "NVM read timed out");
+    // A failed verification read of a byte write follows its count line;
+    // nothing is restored, and the WARNING says so.
+    q7sim::control::FailCall("Q7_ReadDSDBytes", 3, "NVM read timed out");
     run = RunHandler(TestWriteDSDBytes, hCal, "100\n4\n1\n1\n3\n77\n1\n");
     EXPECT_EQ(run.result, -1);
-    EXPECT_TRUE(EndsWith(run.output, "\nRead 4 bytes from dev data memory\n\nREAD ERROR: NVM read timed out\n"));
-    EXPECT_EQ(ReadDsd(0x100, 4), std::vector<uint8_t>(4, 0x77)) << "nothing is restored";
+    EXPECT_TRUE(EndsWith(run.output, "\nRead 4 bytes from dev data memory\n\nREAD ERROR: NVM read timed out\n"
+                                     "\nWARNING: Original data not restored, because the verification read failed.\n"))
+        << run.output;
+    EXPECT_EQ(ReadDsd(0x100, 4), std::vector<uint8_t>(4, 0x77));
 
     // A failed restore leaves the new data, and says so.
     q7sim::control::FailCall("Q7_WriteDSDBytes", 2, "NVM write failed");

@@ -58,12 +58,14 @@ TEST_F(NvmModeTestTest, TheFirstFailingOperationEndsTheTestWithNothingUndone)
         {"Q7_GetDeviceMode", 1, "Running test for non-MII interface.\n", 1},
         {"Q7_SetDeviceMode", 1, "Setting device mode to Tx CW\n", 1},
         {"Q7_SetOptionByID", 1, "Setting NVM mode = 0\n====================\n", 2},
+        {"Q7_GetOptionByID", 1, "Setting NVM mode = 0\n====================\n", 2},
         {"Q7_LoadDSD", 1, "Calling Load DSD Into Memory (NVM loading mode)\n", 2},
         {"Q7_ReadDSDBytes", 1, "Reading and saving all 32K of DSD into a buffer\n"
                                "=======================================================\n", 2},
         {"Q7_ReadDSDBytes", 2, "with Cal3API_rdm_block (direct from NVM)\n", 2},
         {"Q7_LoadDSD", 2, "Calling Load DSD Into Memory (NVM loading mode)\n", 2},
         {"Q7_SetOptionByID", 2, "Setting NVM mode = 1\n====================\n", 2},
+        {"Q7_GetOptionByID", 2, "Setting NVM mode = 1\n====================\n", 2},
         {"Q7_WriteDSDBytes", 1, "starting with offset 0x0200\n", 2},
         {"Q7_ReadDSDBytes", 3, "with CalAPI_rdm_block (from buffer)\n", 2},
         {"Q7_LoadDSD", 3, "Calling Load DSD Into Memory (VDM loading mode)\n", 2},
@@ -84,6 +86,29 @@ TEST_F(NvmModeTestTest, TheFirstFailingOperationEndsTheTestWithNothingUndone)
         EXPECT_TRUE(EndsWith(run.output, std::string(step.lastLineBefore) + "\nERROR: Device fault\n")) << run.output;
         EXPECT_EQ(DutMode(), step.dutModeAfter);
         EXPECT_EQ(NvmImage(), nvmBefore);
+    }
+}
+
+// A device that takes the NVM mode but stays in another one would have the
+// writes of PART 1 and PART 2 land in the NVM itself: the test stops first.
+TEST_F(NvmModeTestTest, AnNvmModeThatDoesNotTakeEffectStopsTheTestBeforeAnyWrite)
+{
+    struct Case {
+        uint32_t modeBefore;
+        unsigned ignoredSets;
+        const char *tail;
+    } cases[] = {
+        {1, 1, "Setting NVM mode = 0\n====================\n\nERROR: The device is in NVM mode 1 after NVM mode 0 was set\n"},
+        {0, 2, "Setting NVM mode = 1\n====================\n\nERROR: The device is in NVM mode 0 after NVM mode 1 was set\n"},
+    };
+    for (const Case &c : cases) {
+        ASSERT_EQ(Q7_SetOptionByID(hCal, Q7_OPTION_NVM_MODE, c.modeBefore), nullptr);
+        const std::vector<uint8_t> storesBefore = DsdStores();
+        q7sim::control::IgnoreNext("Q7_SetOptionByID", c.ignoredSets);
+        HandlerRun run = RunHandler(NvmModeTest, hCal, "0\n");
+        EXPECT_EQ(run.result, -1);
+        EXPECT_TRUE(EndsWith(run.output, c.tail)) << run.output;
+        EXPECT_TRUE(DsdStores() == storesBefore) << "nothing is written";
     }
 }
 

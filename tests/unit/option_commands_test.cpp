@@ -50,11 +50,13 @@ TEST_F(OptionCommandsTest, LongNamesAreCutTo30InThePickerAnd35InTheValueList)
     EXPECT_TRUE(Contains(run.output, "\n" + std::string(35, 'L') + " = 2000\n"));
 }
 
-TEST_F(OptionCommandsTest, EndOfInputLeavesThePickerAsMinusOneWould)
+TEST_F(OptionCommandsTest, EndOfInputAtThePickerAbandonsTheCommand)
 {
-    HandlerRun get = RunHandler(TestGetOptionByID, hCal, "");
-    EXPECT_EQ(get.result, 0);
-    EXPECT_TRUE(EndsWith(get.output, std::string(kAllOptionsAndReturn) + "\nTestGetOptionByID was SUCCESSFUL.\n"));
+    for (auto handler : {TestGetOptionByID, TestSetOptionByID}) {
+        HandlerRun run = RunHandler(handler, hCal, "");
+        EXPECT_EQ(run.result, -1);
+        EXPECT_TRUE(EndsWith(run.output, "\n\nENTER Option ID : \nEnd of input: command abandoned.\n")) << run.output;
+    }
 }
 
 }  // namespace

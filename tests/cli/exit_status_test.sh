@@ -1,0 +1,63 @@
+#!/usr/bin/env bash
+# How a whole session ends, by its exit status: 3 when input ends inside a
+# command; 4 when standard output cannot be written (/dev/full, a closed
+# stdout, a pipe whose reader has gone); 128 + N after stop signal N, taken at
+# the menu and inside a command, both through the normal exit.
+# Usage: exit_status_test.sh PROGRAM
+set -u
+program=$1
+failures=0
+work=$(mktemp -d)
+trap 'rm -rf "$work"' EXIT
+
+fail() { echo "$*"; failures=$((failures + 1)); }
+expect_status() { [ "$2" -eq "$3" ] || fail "$1: exit status $3, expected $2"; }
+
+printf '1\n4\n' >"$work/cut"
+"$program" <"$work/cut" >/dev/null
+expect_status "input ending at a prompt of Set device mode" 3 $?
+
+printf -- '-1\n' >"$work/exit"
+"$program" <"$work/exit" >/dev/full 2>"$work/err"
+expect_status "standard output on /dev/full" 4 $?
+grep -q '^q7cal: write error on standard output: ' "$work/err" || fail "/dev/full: no write error on stderr"
+"$program" <"$work/exit" >&- 2>/dev/null
+expect_status "standard output closed" 4 $?
+
+# Far more output than a pipe holds, to a reader that leaves after one byte.
+for _ in $(seq 1000); do printf '1\n-1\n'; done >"$work/menus"
+"$program" <"$work/menus" 2>/dev/null | head -c 1 >/dev/null
+expect_status "a pipe closed by its reader" 4 "${PIPESTATUS[0]}"
+
+# Types ANSWERS, waits until the output ends with WAIT_FOR (the prompt being
+# asked) and sends SIGTERM; sets signal_status.
+signal_session() {
+  local answers=$1 wait_for=$2
+  rm -f "$work/fifo" "$work/out"
+  mkfifo "$work/fifo"
+  "$program" <"$work/fifo" >"$work/out" &
+  local pid=$!
+  exec 3>"$work/fifo"
+  printf '%b' "$answers" >&3
+  for _ in $(seq 200); do
+    [ "$(tail -c ${#wait_for} "$work/out" 2>/dev/null)" = "$wait_for" ] && break
+    sleep 0.05
+  done
+  kill -TERM $pid
+  wait $pid
+  signal_status=$?
+  exec 3>&-
+}
+
+signal_session "" "ENTER OPTION : "
+expect_status "SIGTERM at the main menu" 143 $signal_status
+[ "$(tail -n 2 "$work/out")" = "$(printf 'ENTER OPTION : \nClosing application...')" ] ||
+  fail "SIGTERM at the main menu: not the normal exit straight away: $(tail -c 200 "$work/out")"
+
+signal_session '1\n4\n' "    DUT Mode        ? "
+expect_status "SIGTERM at a prompt of Set device mode" 143 $signal_status
+tail -c 100 "$work/out" | grep -q 'Interrupted by SIGTERM: command abandoned.' ||
+  fail "SIGTERM inside a command: no abandon line: $(tail -c 200 "$work/out")"
+
+[ "$failures" -eq 0 ] && echo "exit statuses: all checks passed"
+exit $((failures > 0))
