@@ -6,15 +6,27 @@
 #   run_transcript.sh --record Q7CAL CASE   write CASE.out from the program:
 #       check every line against the texts the commands are meant to print
 #       before committing it; a recorded transcript proves nothing by itself.
+#   --stderr (before PROGRAM): CASE.out holds standard error and output merged.
 set -u
 record=0
-if [ "${1:-}" = "--record" ]; then record=1; shift; fi
+merge=0
+while :; do
+  case "${1:-}" in
+    --record) record=1; shift ;;
+    --stderr) merge=1; shift ;;
+    *) break ;;
+  esac
+done
 bin=$1
 case=$2
 
 actual=$(mktemp)
 trap 'rm -f "$actual"' EXIT
-"$bin" <"$case.in" >"$actual"
+if [ $merge -eq 1 ]; then
+  "$bin" <"$case.in" >"$actual" 2>&1
+else
+  "$bin" <"$case.in" >"$actual"
+fi
 status=$?
 
 if [ $record -eq 1 ]; then
