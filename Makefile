@@ -4,7 +4,7 @@
 # and `make bench` (start-up, write, automated-run and sleep figures) use the
 # Release build. `make fuzz-ci` fuzzes whole sessions for a minute; `make
 # memcheck` runs the golden sessions and the prompt walk under valgrind.
-.PHONY: run build test install deb bench fuzz fuzz-ci memcheck clean check-tools
+.PHONY: all run build test install uninstall deb bench fuzz fuzz-ci memcheck clean check-tools
 
 BUILD_DIR    := build
 TEST_DIR     := build-test
@@ -13,6 +13,9 @@ MEMCHECK_DIR := build-memcheck
 PREFIX       := /usr/local
 JOBS         := 2
 FUZZ_SECONDS := 60
+
+# Plain `make` builds and runs nothing.
+all: build
 
 # Build chatter goes to stderr, so that stdout carries only the program's
 # own output when a script pipes answers through `make run`.
@@ -28,14 +31,24 @@ test: check-tools
 	@cmake --build $(TEST_DIR) -j $(JOBS)
 	@cd $(TEST_DIR) && ctest --output-on-failure -j $(JOBS)
 
+# `preinstall` relinks the program with its installed run path.
 install: build
+	@cmake --build $(BUILD_DIR) --target preinstall >&2
 	@DESTDIR=$(DESTDIR) cmake --install $(BUILD_DIR) --prefix $(PREFIX)
 
+# Removes what the last `make install` from this build folder installed.
+uninstall:
+	@DESTDIR=$(DESTDIR) scripts/uninstall.sh $(BUILD_DIR)/install_manifest.txt
+
+# The package, checked as a distribution would check it: no lintian error or warning.
 deb: build
+	@scripts/check-tools.sh --deb >&2
+	@rm -f $(BUILD_DIR)/q7cal_*.deb
 	@cd $(BUILD_DIR) && cpack -G DEB
+	@lintian --fail-on error,warning $(BUILD_DIR)/q7cal_*.deb
 
 bench: build
-	@cmake --build $(BUILD_DIR) --target bench_cpu_time >&2
+	@cmake --build $(BUILD_DIR) --target bench_cpu_time calapi_stub >&2
 	@scripts/bench.sh
 # The session fuzzer, built by clang in a folder of its own.
 fuzz:
@@ -49,7 +62,7 @@ fuzz:
 # fails the run: copy it to tests/fuzz/regressions/ once it is fixed.
 fuzz-ci: fuzz
 	@mkdir -p $(FUZZ_DIR)/corpus $(FUZZ_DIR)/seeds
-	@cp tests/golden/*/*.in tests/fuzz/regressions/* $(FUZZ_DIR)/seeds/
+	@cp tests/golden/cases/*.in tests/golden/instant/*.in tests/fuzz/regressions/* $(FUZZ_DIR)/seeds/
 	@./$(FUZZ_DIR)/q7cal_fuzz -max_total_time=$(FUZZ_SECONDS) -timeout=10 -print_final_stats=1 \
 	   -artifact_prefix=$(FUZZ_DIR)/ $(FUZZ_DIR)/corpus $(FUZZ_DIR)/seeds
 

@@ -1,8 +1,9 @@
 #!/usr/bin/env bash
 # Says plainly which tools are missing: the build tools, or with --fuzz the
-# fuzzer's (clang with libFuzzer), with --memcheck valgrind. With --install,
-# installs the missing build and fuzzer tools from Debian's packages first
-# (needs root).
+# fuzzer's (clang with libFuzzer), with --memcheck valgrind, with --deb the
+# packaging tools (dpkg-shlibdeps, lintian), with --bench the reference tool
+# and GNU time. With --install, installs the missing build, fuzzer and
+# packaging tools from Debian's packages first (needs root).
 set -u
 
 install=0
@@ -12,10 +13,12 @@ for arg in "$@"; do
     --install) install=1 ;;
     --fuzz) want=fuzz ;;
     --memcheck) want=memcheck ;;
+    --deb) want=deb ;;
+    --bench) want=bench ;;
   esac
 done
-# After installing, check again: the build tools, then the fuzzer's.
-recheck() { "$0" && "$0" --fuzz; }
+# After installing, check again: the build tools, the fuzzer's, the packaging tools.
+recheck() { "$0" && "$0" --fuzz && "$0" --deb; }
 
 # clang compiles and links a libFuzzer target.
 fuzzer_links() {
@@ -35,6 +38,17 @@ if [ $want = build ] || [ $install -eq 1 ]; then
   command -v g++ >/dev/null 2>&1 || missing+=(g++)
   command -v make >/dev/null 2>&1 || missing+=(make)
   [ -f /usr/include/gtest/gtest.h ] || missing+=(libgtest-dev)
+  # q7cal-report's JUnit and JSON writers.
+  [ -f /usr/include/tinyxml2.h ] || missing+=(libtinyxml2-dev)
+  [ -f /usr/include/nlohmann/json.hpp ] || missing+=(nlohmann-json3-dev)
+fi
+if [ $want = deb ] || [ $install -eq 1 ]; then
+  command -v dpkg-shlibdeps >/dev/null 2>&1 || missing+=(dpkg-dev)
+  command -v lintian >/dev/null 2>&1 || missing+=(lintian)
+fi
+if [ $want = bench ]; then
+  command -v i2cget >/dev/null 2>&1 || missing+=(i2c-tools)
+  [ -x /usr/bin/time ] || missing+=(time)
 fi
 if [ $want = fuzz ] || [ $install -eq 1 ]; then
   fuzzer_links || missing+=(clang libclang-rt-dev)
@@ -50,7 +64,10 @@ if [ ${#missing[@]} -gt 0 ] && [ $install -eq 1 ]; then
 fi
 
 if [ ${#missing[@]} -gt 0 ]; then
-  echo "q7cal cannot be built: missing ${missing[*]}."
+  case $want in
+    build) echo "q7cal cannot be built: missing ${missing[*]}." ;;
+    *) echo "make $want needs: ${missing[*]}." ;;
+  esac
   echo "Install with: apt-get install -y ${missing[*]}"
   exit 1
 fi

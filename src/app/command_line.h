@@ -1,13 +1,13 @@
-/* The command line: --help and --version, answered without touching the device. */
+/* The command line: -h/--help and -V/--version, answered without touching the device. */
 #ifndef Q7_COMMAND_LINE_H
 #define Q7_COMMAND_LINE_H
 
 /* HandleCommandLine's answer when the program should go on to the menu. */
 #define COMMAND_LINE_RUN (-1)
 
-/* No argument: COMMAND_LINE_RUN. --help or --version alone: prints the text to
- * stdout and returns 0. Anything else: prints the usage line to stderr and
- * returns 2. */
+/* No argument: COMMAND_LINE_RUN. -h/--help or -V/--version alone: prints the
+ * text to stdout and returns 0. Anything else: names the wrong argument on
+ * stderr, points to --help and returns 2. */
 int HandleCommandLine(int argc, char *argv[]);
 
 #endif /* Q7_COMMAND_LINE_H */

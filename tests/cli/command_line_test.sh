@@ -1,46 +1,54 @@
 #!/usr/bin/env bash
-# The command line: --help and --version answer on stdout with status 0 and
-# never reach the device; anything else gets the one-line usage on stderr and
-# status 2. Usage: command_line_test.sh PROGRAM VERSION
+# The command line: -h/--help and -V/--version answer on stdout with status 0
+# and never reach the device; anything else names the wrong argument on stderr
+# with status 2. A copy of the program without a Cal API library beside it
+# does not start. Usage: command_line_test.sh PROGRAM VERSION
 set -u
 program=$1
 version=$2
-usage='Usage: q7cal [--help | --version]'
 failures=0
-out=$(mktemp)
-err=$(mktemp)
-trap 'rm -f "$out" "$err"' EXIT
+scratch=$(mktemp -d)
+trap 'rm -rf "$scratch"' EXIT
+out=$scratch/out
+err=$scratch/err
 
-# check WHAT CHECK FILE: CHECK is "=TEXT" for exactly one line TEXT, "^TEXT"
-# for a first line TEXT, or "" for nothing at all.
-check() {
-  local what=$1 check=$2 file=$3
-  case $check in
-    "") [ ! -s "$file" ] ;;
-    =*) [ "$(cat "$file")" = "${check#=}" ] && [ "$(wc -l <"$file")" -eq 1 ] ;;
-    ^*) [ "$(head -n 1 "$file")" = "${check#^}" ] ;;
-  esac || { echo "$call: $what differs; expected ${check:-nothing}, got:"; cat "$file"; failures=$((failures + 1)); }
-}
+fail() { echo "$call: $*"; failures=$((failures + 1)); }
 
-# expect STATUS STDOUT-CHECK STDERR-CHECK ARGUMENT...
+# expect STATUS STDOUT-FIRST-LINE STDERR ARGUMENT...: "" for nothing at all.
 expect() {
-  local status=$1 out_check=$2 err_check=$3
+  local status=$1 first_out=$2 want_err=$3
   shift 3
   call="q7cal $*"
   "$program" "$@" </dev/null >"$out" 2>"$err"
   local actual=$?
-  [ "$actual" -eq "$status" ] || { echo "$call: status $actual, expected $status"; failures=$((failures + 1)); }
-  check stdout "$out_check" "$out"
-  check stderr "$err_check" "$err"
+  [ "$actual" -eq "$status" ] || fail "status $actual, expected $status"
+  [ "$(head -n 1 "$out")" = "$first_out" ] || fail "stdout starts '$(head -n 1 "$out")', expected '$first_out'"
+  [ "$(cat "$err")" = "$want_err" ] || fail "stderr '$(cat "$err")', expected '$want_err'"
 }
 
-expect 0 "^$usage" "" --help
-grep -q -- '--version  show the version and exit' "$out" || { echo "--help does not list --version"; failures=$((failures + 1)); }
-expect 0 "=q7cal $version" "" --version
-for arguments in "--bogus" "-h" "help" "--help --version" "--version extra" "--" "--HELP"; do
-  # shellcheck disable=SC2086
-  expect 2 "" "=$usage" $arguments
+usage='Usage: q7cal [-h | --help | -V | --version]'
+for option in -h --help; do
+  expect 0 "$usage" "" $option
+  grep -q -- '-V, --version  show the version and exit' "$out" || fail "the help does not list -V"
+  grep -q -- '128+N' "$out" || fail "the help does not list every exit status"
 done
+for option in -V --version; do
+  expect 0 "q7cal $version" "" $option
+done
+wrong() { echo "q7cal: $1 '$2'; try 'q7cal --help'"; }
+expect 2 "" "$(wrong "unknown option" -x)" -x
+expect 2 "" "$(wrong "unknown option" --bogus)" --bogus
+expect 2 "" "$(wrong "unknown option" --HELP)" --HELP
+expect 2 "" "$(wrong "unknown option" --)" --
+expect 2 "" "$(wrong "unexpected argument" help)" help
+expect 2 "" "$(wrong "unexpected argument" --version)" --help --version
+expect 2 "" "$(wrong "unexpected argument" extra)" -V extra
+
+# The run path names no build folder: alone, the program finds no library.
+call="a copy of q7cal without its library"
+cp "$program" "$scratch/q7cal"
+"$scratch/q7cal" --version >/dev/null 2>&1
+[ $? -eq 127 ] || fail "started; its run path reaches a library outside its folder"
 
 [ "$failures" -eq 0 ] && echo "command line: all checks passed"
 exit $((failures > 0))

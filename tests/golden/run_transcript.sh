@@ -8,19 +8,22 @@
 # stands as one line "[menu: TITLE]" in both the expected and the actual
 # output, so that a new menu row changes one transcript only.
 #
-#   run_transcript.sh [--with-menus] Q7CAL CASE            compare
-#   run_transcript.sh --record [--with-menus] Q7CAL CASE   write CASE.out from the program:
+#   run_transcript.sh [--with-menus] [--stderr] PROGRAM CASE            compare
+#   run_transcript.sh --record [--with-menus] [--stderr] PROGRAM CASE   write CASE.out from the program:
 #       check every line against the texts the commands are meant to print
 #       before committing it; a recorded transcript proves nothing by itself.
+#   --stderr: CASE.out holds standard error and output merged.
 set -u
 record=0
 menus=0
-while [ $# -gt 2 ]; do
-  case $1 in
-    --record) record=1 ;;
-    --with-menus) menus=1 ;;
+merge=0
+while :; do
+  case "${1:-}" in
+    --record) record=1; shift ;;
+    --with-menus) menus=1; shift ;;
+    --stderr) merge=1; shift ;;
+    *) break ;;
   esac
-  shift
 done
 bin=$1
 case=$2
@@ -28,7 +31,11 @@ case=$2
 actual=$(mktemp)
 expected=$(mktemp)
 trap 'rm -f "$actual" "$expected"' EXIT
-timeout 60 "$bin" <"$case.in" >"$actual"
+if [ $merge -eq 1 ]; then
+  timeout 60 "$bin" <"$case.in" >"$actual" 2>&1
+else
+  timeout 60 "$bin" <"$case.in" >"$actual"
+fi
 status=$?
 if [ $status -eq 124 ]; then
   echo "the program was still running after 60 seconds"
