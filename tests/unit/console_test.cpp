@@ -235,6 +235,7 @@ TEST(SessionEnd, AStopSignalOrAFailedOutputEndsInputAtTheNextRead)
         FILE *captured = stdout;
         stdout = std::fopen("/dev/full", "w");
         ASSERT_NE(stdout, nullptr);
+        setvbuf(stdout, nullptr, _IONBF, 0);  // the write fails at once, the flush has nothing left
         EXPECT_FALSE(ReadUnsigned(&value, "N? "));
         EXPECT_TRUE(InputEnded());
         EXPECT_STREQ(WhyInputEnded(), "standard output could not be written");
