@@ -84,15 +84,6 @@ std::vector<std::string> Verdicts(const std::string &output)
 
 // ---- The device-mode stack ----
 
-TEST_F(AutomatedTestTest, TheFirstPushIsIndexOneAndItsPopReappliesTheBaseRecord)
-{
-    std::string pushed = RunWithInput("", [&] { PushDeviceMode(hCal, 4, 1, 1000, 0); });
-    EXPECT_EQ(pushed, "Push[ 1] - set device mode: mode = 4 modulation = 1 CW Offset=1000 LoopbackTX=0 \n");
-    ExpectMode(4, 1, 1000, 0);
-    EXPECT_EQ(RunWithInput("", [&] { PopDeviceMode(hCal, nullptr, nullptr, nullptr, nullptr); }), kFinalPop);
-    ExpectMode(0, 0, 0, 0);
-}
-
 TEST_F(AutomatedTestTest, FifteenPushesFitAndTheSixteenthOverflowsWithoutTouchingTheDevice)
 {
     std::string output = RunWithInput("", [&] {
@@ -253,15 +244,6 @@ TEST_F(AutomatedTestTest, ARegisterThatIgnoresWritesFailsUntilItsOwnValueIsWritt
     std::string output = Run();
     EXPECT_TRUE(Contains(output, "ERROR: Device fault\nRFIC ID = 0000\n"));
     EXPECT_TRUE(Contains(output, "Read back FFFF - PASS\nReg 30 not restored: it could not be read at the start\n"));
-}
-
-TEST_F(AutomatedTestTest, AFailingSpectrumResetEndsOnlyItsGroup)
-{
-    FailNext("Q7_ResetRxSpectrum", 1, "Device fault");
-    std::string output = Run();
-    EXPECT_TRUE(Contains(output, "Setting symbol index to be captured to 1\nERROR: Device fault\n\nPress Enter"));
-    EXPECT_FALSE(Contains(output, "Get Version Information Command"));
-    EXPECT_TRUE(Contains(output, "Testing DSD Management Commands"));
 }
 
 // ---- A check whose read-back call fails is FAIL, never PASS ----

@@ -28,21 +28,6 @@ protected:
     }
 };
 
-TEST_F(ConnectionTest, ADeviceThatAnswersAtTheThirdAttemptConnectsAfterTwoPauses)
-{
-    q7sim::control::ConnectSucceedsAtAttempt(3);
-    int result = -1;
-    std::string output = RunWithInput("", [&] { result = Initialize(Open()); });
-    EXPECT_EQ(result, 0);
-    EXPECT_EQ(output,
-              "\nTrying to open handle to Device..."
-              "\nFailed because: Device did not answer the connect request\n"
-              "\nTrying to open handle to Device..."
-              "\nFailed because: Device did not answer the connect request\n"
-              "\nTrying to open handle to Device...Success!!\n");
-    EXPECT_EQ(Sleeps(), (std::vector<uint32_t>{1000, 1000}));
-}
-
 TEST_F(ConnectionTest, ADeviceThatNeverAnswersFailsAfterExactlyTenAttempts)
 {
     q7sim::control::ConnectSucceedsAtAttempt(0);
@@ -53,22 +38,6 @@ TEST_F(ConnectionTest, ADeviceThatNeverAnswersFailsAfterExactlyTenAttempts)
     EXPECT_EQ(Count(output, "\nFailed because: "), 10u);
     EXPECT_EQ(Sleeps(), std::vector<uint32_t>(10, 1000));
     EXPECT_EQ(output.find("Success"), std::string::npos);
-}
-
-TEST_F(ConnectionTest, NoInterfaceMeansNoAttempt)
-{
-    std::string output = RunWithInput("", [&] { EXPECT_EQ(Initialize(nullptr), -1); });
-    EXPECT_EQ(output, "");
-    EXPECT_TRUE(Sleeps().empty());
-}
-
-TEST_F(ConnectionTest, SelectInterfaceChoosesTheLocalInterface)
-{
-    uint32_t type = 77;
-    CalInterfaceHandle hCal = nullptr;
-    RunWithInput("", [&] { hCal = SelectInterface(&type); });
-    EXPECT_NE(hCal, nullptr);
-    EXPECT_EQ(type, 0u);
 }
 
 TEST_F(ConnectionTest, AtExitTheDeviceIsDisconnectedAndThenTheInterfaceClosed)
@@ -93,18 +62,6 @@ TEST_F(ConnectionTest, SelectInterfaceEndsTheProgramWithStatusOneWhenTheDeviceNe
             SelectInterface(&type);
         },
         ::testing::ExitedWithCode(1), "Failed because: .*\nERROR: Unable to open a Local Cal API interface\n\n$");
-}
-
-TEST_F(ConnectionTest, SelectInterfaceEndsTheProgramWithStatusOneWhenNoInterfaceOpens)
-{
-    q7sim::control::FailNext("Q7_GetCalInterface", 1, "");
-    uint32_t type = 0;
-    EXPECT_EXIT(
-        {
-            dup2(STDERR_FILENO, STDOUT_FILENO);
-            SelectInterface(&type);
-        },
-        ::testing::ExitedWithCode(1), "^\nERROR: Unable to open a Local Cal API interface\n\n$");
 }
 
 }  // namespace

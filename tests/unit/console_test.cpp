@@ -35,28 +35,6 @@ TEST(ReadChoice, TakesTheNumberAtTheStartOfEachWordAndSkipsEmptyLines)
     EXPECT_EQ(Choices(std::string("1\0\0\08 5\n", 8), 2), (std::vector<int>{0, 5}));
 }
 
-TEST(ReadChoice, EndOfInputReadsAsMinusOneEveryTime)
-{
-    bool ended = false;
-    std::vector<int> choices;
-    RunWithInput("2", [&] {
-        for (int i = 0; i < 3; i++)
-            choices.push_back(ReadChoice());
-        ended = InputEnded();
-    });
-    EXPECT_EQ(choices, (std::vector<int>{2, -1, -1}));
-    EXPECT_TRUE(ended);
-}
-
-TEST(PadString, PadsOrCutsToTheWidth)
-{
-    EXPECT_STREQ(PadString("<Reserved>", ' ', 30), "<Reserved>                    ");
-    std::string forty(40, 'x');
-    EXPECT_EQ(std::string(PadString(forty.c_str(), ' ', 30)), std::string(30, 'x'));
-    EXPECT_EQ(std::string(PadString("", '*', 35)), std::string(35, '*'));
-    EXPECT_STREQ(PadString("abc", ' ', 0), "");
-}
-
 TEST(PadString, RefusesNullLongTextsAndWidthsAboveItsBuffer)
 {
     EXPECT_EQ(PadString(nullptr, ' ', 10), nullptr);
@@ -79,63 +57,6 @@ TEST(PressEnterToContinue, ReturnsAfterAnySingleCharacterAndEachPauseTakesOneLin
     });
     EXPECT_EQ(output, "\nPress Enter to continue\n\nPress Enter to continue\n");
     EXPECT_EQ(next, 5);
-}
-
-TEST(PressEnterToContinue, OnAPipeDropsOnlyWhatTheLastReadLeftOfItsLine)
-{
-    // After "3" the script answers each pause with one empty line; both pauses
-    // stay in step and the choice after them is read intact.
-    std::vector<int> choices;
-    RunWithInput("3 ignored\n\n\n4\n", [&] {
-        choices.push_back(ReadChoice());
-        PressEnterToContinue();
-        PressEnterToContinue();
-        choices.push_back(ReadChoice());
-    });
-    EXPECT_EQ(choices, (std::vector<int>{3, 4}));
-}
-
-TEST(PressEnterToContinue, ReturnsAtOnceAtEndOfInput)
-{
-    bool ended = false;
-    std::string output = RunWithInput("", [&] {
-        PressEnterToContinue();
-        ended = InputEnded();
-    });
-    EXPECT_EQ(output, "\nPress Enter to continue\n");
-    EXPECT_TRUE(ended);
-}
-
-TEST(Readers, ConvertWithTheirOwnConversion)
-{
-    uint32_t u = 0, h = 0, minusOne = 0;
-    int32_t s = 0;
-    double d = 0;
-    std::string output = RunWithInput("42 ff -7 -2.5\n-1\n", [&] {
-        EXPECT_TRUE(ReadUnsigned(&u, "U? "));
-        EXPECT_TRUE(ReadHex(&h, "H? "));
-        EXPECT_TRUE(ReadSigned(&s, "S? "));
-        EXPECT_TRUE(ReadDouble(&d, "D? "));
-        EXPECT_TRUE(ReadUnsigned(&minusOne, "Value %u of %u ? ", 1u, 2u));
-    });
-    EXPECT_EQ(output, "U? H? S? D? Value 1 of 2 ? ");
-    EXPECT_EQ(u, 42u);
-    EXPECT_EQ(h, 0xFFu);
-    EXPECT_EQ(s, -7);
-    EXPECT_EQ(d, -2.5);
-    EXPECT_EQ(minusOne, 0xFFFFFFFFu);  // typed -1 reads as the largest unsigned value
-}
-
-TEST(Readers, TextThatIsNotANumberAsksTheSamePromptAgain)
-{
-    uint32_t value = 0;
-    std::string output = RunWithInput("xyz def\nzz\n12\n", [&] { EXPECT_TRUE(ReadHex(&value, "    Value (hex) ? ")); });
-    // Neither "xyz" nor "zz" is hexadecimal; the whole rest of each bad line is dropped.
-    EXPECT_EQ(output,
-              "    Value (hex) ? \nNot a number. Please enter a hexadecimal number.\n"
-              "    Value (hex) ? \nNot a number. Please enter a hexadecimal number.\n"
-              "    Value (hex) ? ");
-    EXPECT_EQ(value, 0x12u);
 }
 
 // Each answer is tried once per line: the reader's verdict, then the value
@@ -200,16 +121,6 @@ TEST(Readers, RefuseNumbersThatDoNotFitOrCarryTrailingText)
         EXPECT_EQ(output, expected + "> ") << c.input;
         EXPECT_EQ(value, c.value) << c.input;
     }
-}
-
-TEST(Readers, EndOfInputAbandonsWithOneLineAndLeavesTheValue)
-{
-    int32_t value = 77;
-    bool read = true;
-    std::string output = RunWithInput("abc", [&] { read = ReadSigned(&value, "N? "); });
-    EXPECT_FALSE(read);
-    EXPECT_EQ(value, 77);
-    EXPECT_EQ(output, "N? \nNot a number. Please enter a decimal number.\nN? \nEnd of input: command abandoned.\n");
 }
 
 // A stop signal, or standard output that can no longer be written, ends the

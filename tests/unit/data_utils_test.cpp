@@ -20,33 +20,6 @@ TEST(HexByteDump, OffsetsGrowBeyondFourDigits)
               "20008:  10 11 12 13\n");
 }
 
-TEST(CompareBlocks, ComparesFromEachSideOffsetAndNamesBothIndexes)
-{
-    const uint8_t readBack[] = {9, 9, 9, 9, 0xAA, 0xBB, 0xCC};
-    const uint8_t expected[] = {0xAA, 0x00, 0xCC};
-    uint32_t errors = 0;
-    std::string output = RunWithInput("", [&] { errors = CompareBlocks(readBack, expected, 4, 0, 3); });
-    EXPECT_EQ(errors, 1u);
-    EXPECT_EQ(output, "\nRead back [00000005] = BB - Expected [00000001] = 00 - Verify ERROR\n");
-
-    EXPECT_EQ(RunWithInput("", [&] { errors = CompareBlocks(expected, expected, 0, 0, 3); }), "");
-    EXPECT_EQ(errors, 0u);
-}
-
-TEST(CompareFill, MatchingFillPrintsNothingAndAFillAbove255NeverMatches)
-{
-    const uint8_t erased[] = {0xFF, 0xFF, 0xFF, 0xFF};
-    uint32_t errors = 1;
-    EXPECT_EQ(RunWithInput("", [&] { errors = CompareFill(erased, 0, 4, 0xFF); }), "");
-    EXPECT_EQ(errors, 0u);
-
-    std::string output = RunWithInput("", [&] { errors = CompareFill(erased, 2, 2, 0x1FF); });
-    EXPECT_EQ(errors, 2u);
-    EXPECT_EQ(output,
-              "\nRead back [00000002] = FF - Expected 1FF - Verify ERROR"
-              "\nRead back [00000003] = FF - Expected 1FF - Verify ERROR\n");
-}
-
 TEST(FromBigEndianUINT32, ReadsMostSignificantByteFirstAndIsItsOwnInverse)
 {
     const uint8_t stored[] = {0x11, 0x22, 0x33, 0x44};

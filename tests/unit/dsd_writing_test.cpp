@@ -32,35 +32,6 @@ protected:
 // same with a byte size; Flash 2.x "offset size mode kB priority auto restore
 // pattern... verify"; region "id auto count verify restore".
 
-TEST_F(DsdWritingTest, EveryWriteWithVerifyAndRestoreLeavesEveryStoreAsItWas)
-{
-    struct Case {
-        int (*handler)(CalInterfaceHandle);
-        uint32_t nvmMode;
-        const char *input;
-        const char *success;
-    };
-    const Case cases[] = {
-        {TestWriteDSDBlock, 0, "100\n8\n1\n1\n1\n1\n", "WriteDSDBlock"},
-        {TestWriteDSDBlock, 1, "0\n16\n1\n1\n1\n1\n", "WriteDSDBlock"},
-        {TestWriteDSDBytes, 0, "7FF0\n40\n1\n1\n1\n1\n", "TestWriteDSDBytes"},
-        {TestWriteDSDBytes, 2, "10\n33\n1\n1\n2\nFE\n1\n1\n", "TestWriteDSDBytes"},
-        {TestWriteFlash2xBytesWithHeader, 0, "100\n16\n1\n4\n3\n1\n1\n1\n1\n", "TestWriteFlash2xBytesWithHeader"},
-        {TestWriteFlash2xBytesWithHeader, 0, "FBF0\n16\n2\n32\n7\n1\n1\n1\n1\n", "TestWriteFlash2xBytesWithHeader"},
-        {TestWriteDSDRegionByID, 0, "4\n1\n10\n1\n1\n", "WriteDSDRegionByID"},
-        {TestWriteDSDRegionByID, 1, "7\n1\n0\n1\n1\n", "WriteDSDRegionByID"},
-    };
-    for (const Case &c : cases) {
-        SetNvmMode(c.nvmMode);
-        std::vector<uint8_t> before = DsdStores();
-        HandlerRun run = RunHandler(c.handler, hCal, c.input);
-        EXPECT_EQ(run.result, 0) << c.input << run.output;
-        EXPECT_TRUE(EndsWith(run.output, "\n" + std::string(c.success) + " was SUCCESSFUL.\n")) << run.output;
-        EXPECT_TRUE(Contains(run.output, "\n0 verify errors.\n")) << run.output;
-        EXPECT_TRUE(DsdStores() == before) << c.success << " with " << c.input;
-    }
-}
-
 TEST_F(DsdWritingTest, WritesWithoutRestoreReadBackAsWritten)
 {
     // Increments wrap modulo 2^32 for words and keep the low 8 bits for bytes.
@@ -119,27 +90,6 @@ TEST_F(DsdWritingTest, TheFlash2xImageHoldsTheDataTheGapAndTheBigEndianHeader)
     EXPECT_TRUE(std::equal(image.begin() + 272, image.begin() + 64512, before.begin() + 272));
 }
 
-TEST_F(DsdWritingTest, AFlash2xBlockThatReachesIntoTheHeaderIsReportedAndNeverRestored)
-{
-    // Ending exactly at the header: an empty gap, no overlap.
-    HandlerRun run = RunHandler(TestWriteFlash2xBytesWithHeader, hCal, "0\n64512\n1\n32\n10\n1\n1\n3\nC3\n1\n");
-    EXPECT_EQ(run.result, 0);
-    EXPECT_FALSE(Contains(run.output, "Attempt to overwrite")) << run.output;
-    EXPECT_TRUE(Contains(run.output, "\n\n0 verify errors.\n\nRestoring original DSD values ... \n"));
-
-    // One byte into it: the header laid out after the data overwrites that byte.
-    std::vector<uint8_t> before = DsdStores();
-    run = RunHandler(TestWriteFlash2xBytesWithHeader, hCal, "1\n64512\n1\n32\n10\n1\n1\n3\nC3\n1\n");
-    EXPECT_EQ(run.result, -1);
-    EXPECT_TRUE(EndsWith(run.output,
-                         "\nRead back [0000FC00] = 00 - Expected [0000FBFF] = C3 - Verify ERROR\n"
-                         "ERROR: Attempt to overwrite the Flash 2.x header block at offset = 63*1024\n"
-                         "\n\n1 verify errors.\n"
-                         "\nWARNING: Original data not restored, because verify error count > 0.\n"))
-        << run.output;
-    EXPECT_FALSE(DsdStores() == before) << "the unrestored image was reported";
-}
-
 TEST_F(DsdWritingTest, SizesBeyondTheBufferOrTheImageAreRefusedBeforeTheDeviceIsAsked)
 {
     std::vector<uint8_t> before = DsdStores();
@@ -189,31 +139,6 @@ TEST_F(DsdWritingTest, ABlockVerifyErrorIsReportedWordByWordAndWithholdsTheResto
               "\n00000104: Wrote 12345678 - Read back 12345679 - Verify ERROR"
               "\n1 verify errors.\n");
     EXPECT_EQ(ReadDsd(0x100, 8), (std::vector<uint8_t>{0x78, 0x56, 0x34, 0x12, 0x78, 0x56, 0x34, 0x12}));
-}
-
-TEST_F(DsdWritingTest, AByteVerifyErrorIsReportedAndTheRestoreWithheldWithAWarning)
-{
-    q7sim::control::FlipBitOnRead("Q7_ReadDSDBytes", 3, 3, 0x01);
-    HandlerRun run = RunHandler(TestWriteDSDBytes, hCal, "200\n4\n1\n1\n3\nAB\n1\n");
-    EXPECT_EQ(run.result, -1);
-    EXPECT_EQ(run.output,
-              "\nWrite DSD Bytes:\n"
-              "    NVM mode is 0\n\n"
-              "Bytes to be written:\n"
-              "    DSD address (hex) ? "
-              "    Size in bytes (dec)       ? "
-              "\n    Auto DSD key (1=yes/0=no) ? "
-              "\n    Restore contents (1=yes/0=no) ? "
-              "\nRead 4 bytes from dev data memory\n"
-              "\n    Data pattern (0=user 1=random 2=increment 3=constant) ? "
-              "    Constant value (hex) ? "
-              "\nWrote 4 bytes to dev data memory\n"
-              "\n    Verify write     (1=yes/0=no) ? "
-              "\nRead 4 bytes from dev data memory\n"
-              "\nRead back [00000003] = AA - Expected [00000003] = AB - Verify ERROR\n"
-              "\n\n1 verify errors.\n"
-              "\nWARNING: Original data not restored, because verify error count > 0.\n");
-    EXPECT_EQ(ReadDsd(0x200, 4), std::vector<uint8_t>(4, 0xAB));
 }
 
 TEST_F(DsdWritingTest, HeaderFieldsCountFourErrorsAndFillerBytesOne)
@@ -370,18 +295,6 @@ TEST_F(DsdWritingTest, EachWayAWriteCanGoWrongIsSaidInItsOwnWords)
         q7sim::control::Reset();
         SetUp();
     }
-}
-
-TEST_F(DsdWritingTest, PatternAnswersOutsideTheFourAreAskedAgain)
-{
-    HandlerRun run = RunHandler(TestWriteDSDBlock, hCal, "100\n0\n1\n0\n7\n-1\n3\n0\n1\n");
-    EXPECT_EQ(run.result, 0) << run.output;
-    EXPECT_TRUE(Contains(run.output, "? ERROR: Invalid selection = 7\n"
-                                     "\n    Data pattern (0=user 1=random 2=increment 3=constant) ? "
-                                     "ERROR: Invalid selection = -1\n"))
-        << run.output;
-    EXPECT_TRUE(Contains(run.output, "\nNumber of 32-bit words actually written = 0\n")) << "a word count of 0";
-    EXPECT_TRUE(Contains(run.output, "\n0 verify errors.\n"));
 }
 
 }  // namespace

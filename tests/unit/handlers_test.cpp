@@ -176,9 +176,7 @@ TEST_F(HandlersTest, LoopbackAndOtherListsStopAtTheirCapacityAndRoundAsPrinted)
 
 // ---- Library options ----
 
-const char kAllOptionsAndReturn[] = "\n    8. All options                      -1. Return to Main Menu\n\nENTER Option ID : ";
-
-TEST_F(HandlersTest, ThePickerTakesOnlyUsableSlotsAndCutsLongNames)
+TEST_F(HandlersTest, ThePickerCutsLongNamesTo30AndTheValueListTo35)
 {
     const std::string name40 = "Forty characters of option name, exactly";
     device().options.ForceInfo(0, name40, false);
@@ -189,26 +187,6 @@ TEST_F(HandlersTest, ThePickerTakesOnlyUsableSlotsAndCutsLongNames)
     EXPECT_TRUE(Contains(run.output, "\n" + name40.substr(0, 35) + " = 0\n"));
     EXPECT_TRUE(Contains(run.output, "\n" + std::string(35, 'L') + " = 2000\n"));
 
-    for (uint32_t slot = 0; slot < 8; slot++)
-        device().options.ForceInfo(slot, "x", true);
-    std::string picker;
-    for (uint32_t slot = 0; slot < 8; slot += 2)
-        picker += "\n    " + std::to_string(slot) + ". <Reserved>                        " + std::to_string(slot + 1) +
-                  ". <Reserved>                    ";
-    picker += kAllOptionsAndReturn;
-    run = RunHandler(TestGetOptionByID, hCal, "0\n8\n-1\n");
-    EXPECT_EQ(run.result, 0);
-    EXPECT_EQ(run.output, "\nGet Option By ID:\n" + picker + "ERROR: Invalid option ID. Please try again.\n\n\nENTER Option ID : " +
-                              "\n\n" + picker + "\nTestGetOptionByID was SUCCESSFUL.\n");
-}
-
-TEST_F(HandlersTest, EndOfInputAtThePickerAbandonsTheCommand)
-{
-    for (auto handler : {TestGetOptionByID, TestSetOptionByID}) {
-        HandlerRun run = RunHandler(handler, hCal, "");
-        EXPECT_EQ(run.result, -1);
-        EXPECT_TRUE(EndsWith(run.output, "\n\nENTER Option ID : \nEnd of input: command abandoned.\n")) << run.output;
-    }
 }
 
 // ---- DSD management and reading ----
@@ -230,20 +208,6 @@ TEST_F(HandlersTest, DsdInformationTheDeviceNeverReportsIsShownByItsCodes)
          {"\nAreDSDChecksumsValid:\n  0 DSD blocks found.\n\nAreDSDChecksumsValid was SUCCESSFUL.\n"}},
     };
     ExpectShown(cases);
-}
-
-TEST_F(HandlersTest, TheBlockLinesReadBeforeAFailingBlockComeBeforeItsError)
-{
-    // The directory entry of block 5 moved beyond the DSD: its checksum stays at FFFF.
-    device().dsd.nvm.Section(0)[16 + 4 * 5] = 0xFF;
-    ASSERT_EQ(Q7_LoadDSD(hCal, 1), nullptr);
-    HandlerRun checksums = RunHandler(TestGetDSDChecksums, hCal);
-    EXPECT_EQ(checksums.result, -1);
-    EXPECT_TRUE(EndsWith(checksums.output, "          HW checksum = FFFF\n         MIB checksum = E649\n"
-                                           "    Security checksum = CF75\n      OMA DM checksum = 1E25\n"
-                                           "     \t  MRU checksum = 0EC7\n         HVX checksum = 8F76\n"
-                                           "    unused checksum = F480\n"
-                                           "\nERROR: DSD block 5 lies outside the DSD: its checksum cannot be read\n"));
 }
 
 TEST_F(HandlersTest, DsdReadsAndCopiesTakeWhatIsTypedAndDumpOnlyWhatWasRead)
