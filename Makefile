@@ -3,13 +3,15 @@
 # `make install` (PREFIX, DESTDIR), `make deb` (the Debian package, in build/)
 # and `make bench` (start-up, write, automated-run and sleep figures) use the
 # Release build. `make fuzz-ci` fuzzes whole sessions for a minute; `make
-# memcheck` runs the golden sessions and the prompt walk under valgrind.
-.PHONY: all run build test install uninstall deb bench fuzz fuzz-ci memcheck clean check-tools
+# memcheck` runs the golden sessions and the prompt walk under valgrind; `make
+# cross-test` runs every test on 32-bit big-endian MIPS under qemu-user.
+.PHONY: all run build test cross-test install uninstall deb bench fuzz fuzz-ci memcheck clean check-tools
 
 BUILD_DIR    := build
 TEST_DIR     := build-test
 FUZZ_DIR     := build-fuzz
 MEMCHECK_DIR := build-memcheck
+CROSS_DIR    := build-mips
 PREFIX       := /usr/local
 JOBS         := 2
 FUZZ_SECONDS := 60
@@ -30,6 +32,16 @@ test: check-tools
 	@cmake -S . -B $(TEST_DIR) -DCMAKE_BUILD_TYPE=Debug -DQ7_SANITIZE=ON -DQ7_TESTS=ON
 	@cmake --build $(TEST_DIR) -j $(JOBS)
 	@cd $(TEST_DIR) && ctest --output-on-failure -j $(JOBS)
+
+# The Release program, the simulated device and every test, built by Debian's
+# cross compiler for 32-bit big-endian MIPS and run under qemu-mips: the
+# program's output must not depend on the host's byte order or word size.
+cross-test:
+	@scripts/check-tools.sh --cross >&2
+	@cmake -S . -B $(CROSS_DIR) -DCMAKE_BUILD_TYPE=Release -DQ7_TESTS=ON \
+	       -DCMAKE_TOOLCHAIN_FILE=cmake/toolchains/mips-linux-gnu.cmake
+	@cmake --build $(CROSS_DIR) -j $(JOBS)
+	@cd $(CROSS_DIR) && ctest --output-on-failure -j $(JOBS)
 
 # `preinstall` relinks the program with its installed run path.
 install: build
@@ -78,4 +90,4 @@ check-tools:
 	@scripts/check-tools.sh >&2
 
 clean:
-	rm -rf $(BUILD_DIR) $(TEST_DIR) $(FUZZ_DIR) $(MEMCHECK_DIR)
+	rm -rf $(BUILD_DIR) $(TEST_DIR) $(FUZZ_DIR) $(MEMCHECK_DIR) $(CROSS_DIR)

@@ -2,8 +2,10 @@
 # Says plainly which tools are missing: the build tools, or with --fuzz the
 # fuzzer's (clang with libFuzzer), with --memcheck valgrind, with --deb the
 # packaging tools (dpkg-shlibdeps, lintian), with --bench the reference tool
-# and GNU time. With --install, installs the missing build, fuzzer and
-# packaging tools from Debian's packages first (needs root).
+# and GNU time, with --cross the MIPS cross compiler and qemu-user (make
+# cross-test). With --install, installs the missing build, fuzzer and
+# packaging tools, or with --cross the cross tools, from Debian's packages
+# first (needs root).
 set -u
 
 install=0
@@ -15,10 +17,14 @@ for arg in "$@"; do
     --memcheck) want=memcheck ;;
     --deb) want=deb ;;
     --bench) want=bench ;;
+    --cross) want=cross ;;
   esac
 done
-# After installing, check again: the build tools, the fuzzer's, the packaging tools.
-recheck() { "$0" && "$0" --fuzz && "$0" --deb; }
+# After installing, check again: the build tools, the fuzzer's and the
+# packaging tools (or the cross tools).
+recheck() {
+  if [ $want = cross ]; then "$0" --cross; else "$0" && "$0" --fuzz && "$0" --deb; fi
+}
 
 # clang compiles and links a libFuzzer target.
 fuzzer_links() {
@@ -33,7 +39,7 @@ fuzzer_links() {
 }
 
 missing=()
-if [ $want = build ] || [ $install -eq 1 ]; then
+if [ $want = build ] || { [ $install -eq 1 ] && [ $want != cross ]; }; then
   command -v cmake >/dev/null 2>&1 || missing+=(cmake)
   command -v g++ >/dev/null 2>&1 || missing+=(g++)
   command -v make >/dev/null 2>&1 || missing+=(make)
@@ -42,7 +48,7 @@ if [ $want = build ] || [ $install -eq 1 ]; then
   [ -f /usr/include/tinyxml2.h ] || missing+=(libtinyxml2-dev)
   [ -f /usr/include/nlohmann/json.hpp ] || missing+=(nlohmann-json3-dev)
 fi
-if [ $want = deb ] || [ $install -eq 1 ]; then
+if [ $want = deb ] || { [ $install -eq 1 ] && [ $want != cross ]; }; then
   command -v dpkg-shlibdeps >/dev/null 2>&1 || missing+=(dpkg-dev)
   command -v lintian >/dev/null 2>&1 || missing+=(lintian)
 fi
@@ -50,8 +56,16 @@ if [ $want = bench ]; then
   command -v i2cget >/dev/null 2>&1 || missing+=(i2c-tools)
   [ -x /usr/bin/time ] || missing+=(time)
 fi
-if [ $want = fuzz ] || [ $install -eq 1 ]; then
+if [ $want = fuzz ] || { [ $install -eq 1 ] && [ $want != cross ]; }; then
   fuzzer_links || missing+=(clang libclang-rt-dev)
+fi
+if [ $want = cross ]; then
+  # GoogleTest is built for the target from its sources (package googletest).
+  command -v cmake >/dev/null 2>&1 || missing+=(cmake)
+  command -v make >/dev/null 2>&1 || missing+=(make)
+  command -v mips-linux-gnu-g++ >/dev/null 2>&1 || missing+=(g++-mips-linux-gnu)
+  command -v qemu-mips >/dev/null 2>&1 || missing+=(qemu-user)
+  [ -f /usr/src/googletest/CMakeLists.txt ] || missing+=(googletest)
 fi
 if [ $want = memcheck ]; then
   command -v valgrind >/dev/null 2>&1 || missing+=(valgrind)
