@@ -1,7 +1,9 @@
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cstring>
 #include <functional>
+#include <initializer_list>
 #include <string>
 #include <vector>
 
@@ -12,6 +14,20 @@
 namespace {
 
 using q7sim::Nvm;
+
+// The bytes of 32-bit words as this host lays them out in memory: a block
+// write hands the device its words as they are, so what the DSD then holds
+// depends on the host's byte order.
+std::vector<uint8_t> HostOrderBytes(std::initializer_list<uint32_t> words)
+{
+    std::vector<uint8_t> bytes(4 * words.size());
+    uint8_t *at = bytes.data();
+    for (uint32_t word : words) {
+        std::memcpy(at, &word, sizeof word);
+        at += sizeof word;
+    }
+    return bytes;
+}
 
 class DsdWritingTest : public SimulatedDeviceTest {
 protected:
@@ -36,8 +52,7 @@ TEST_F(DsdWritingTest, WritesWithoutRestoreReadBackAsWritten)
 {
     // Increments wrap modulo 2^32 for words and keep the low 8 bits for bytes.
     ASSERT_EQ(RunHandler(TestWriteDSDBlock, hCal, "200\n4\n1\n0\n2\nFFFFFFFE\n1\n0\n").result, 0);
-    EXPECT_EQ(ReadDsd(0x200, 16), (std::vector<uint8_t>{0xFE, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0, 0, 0, 0, 1,
-                                                      0, 0, 0}));
+    EXPECT_EQ(ReadDsd(0x200, 16), HostOrderBytes({0xFFFFFFFE, 0xFFFFFFFF, 0, 1}));
     ASSERT_EQ(RunHandler(TestWriteDSDBytes, hCal, "300\n4\n1\n0\n2\nFE\n1\n0\n").result, 0);
     EXPECT_EQ(ReadDsd(0x300, 4), (std::vector<uint8_t>{0xFE, 0xFF, 0x00, 0x01}));
     ASSERT_EQ(RunHandler(TestWriteDSDBytes, hCal, "310\n2\n1\n0\n0\n1A5\n7\n0\n").result, 0);
@@ -121,7 +136,11 @@ TEST_F(DsdWritingTest, SizesBeyondTheBufferOrTheImageAreRefusedBeforeTheDeviceIs
 
 TEST_F(DsdWritingTest, ABlockVerifyErrorIsReportedWordByWordAndWithholdsTheRestoreSilently)
 {
-    q7sim::control::FlipBitOnRead("Q7_ReadDSDBytes", 3, 4, 0x01);  // reads 1 and 2 save the original
+    // Bit 0 of the second word's least significant byte, wherever this host
+    // keeps it; reads 1 and 2 save the original.
+    const std::vector<uint8_t> one = HostOrderBytes({1});
+    const uint32_t lowByte = static_cast<uint32_t>(std::find(one.begin(), one.end(), 1) - one.begin());
+    q7sim::control::FlipBitOnRead("Q7_ReadDSDBytes", 3, 4 + lowByte, 0x01);
     HandlerRun run = RunHandler(TestWriteDSDBlock, hCal, "100\n2\n1\n1\n3\n12345678\n1\n");
     EXPECT_EQ(run.result, -1);
     EXPECT_EQ(run.output,
@@ -138,7 +157,7 @@ TEST_F(DsdWritingTest, ABlockVerifyErrorIsReportedWordByWordAndWithholdsTheResto
               "\n    Verify write     (1=yes/0=no) ? "
               "\n00000104: Wrote 12345678 - Read back 12345679 - Verify ERROR"
               "\n1 verify errors.\n");
-    EXPECT_EQ(ReadDsd(0x100, 8), (std::vector<uint8_t>{0x78, 0x56, 0x34, 0x12, 0x78, 0x56, 0x34, 0x12}));
+    EXPECT_EQ(ReadDsd(0x100, 8), HostOrderBytes({0x12345678, 0x12345678}));
 }
 
 TEST_F(DsdWritingTest, HeaderFieldsCountFourErrorsAndFillerBytesOne)
