@@ -45,10 +45,13 @@ expect 2 "" "$(wrong "unexpected argument" --version)" --help --version
 expect 2 "" "$(wrong "unexpected argument" extra)" -V extra
 
 # The run path names no build folder: alone, the program finds no library.
+# (In a cross build the program is a script that runs it under the emulator.)
 call="a copy of q7cal without its library"
-cp "$program" "$scratch/q7cal"
-"$scratch/q7cal" --version >/dev/null 2>&1
-[ $? -eq 127 ] || fail "started; its run path reaches a library outside its folder"
+if [ "$(head -c 4 "$program")" = "$(printf '\177ELF')" ]; then
+  cp "$program" "$scratch/q7cal"
+  "$scratch/q7cal" --version >/dev/null 2>&1
+  [ $? -eq 127 ] || fail "started; its run path reaches a library outside its folder"
+fi
 
 [ "$failures" -eq 0 ] && echo "command line: all checks passed"
 exit $((failures > 0))
