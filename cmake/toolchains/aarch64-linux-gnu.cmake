@@ -1,14 +1,6 @@
-# Cross build for aarch64-linux-gnu with Debian's cross compiler (g++-aarch64-linux-gnu); the
-# tests run under qemu-user (qemu-aarch64), with the target's libraries from
-# /usr/aarch64-linux-gnu, since no binfmt_misc registration can be relied on.
+# Cross build for aarch64-linux-gnu with Debian's cross compiler (g++-aarch64-linux-gnu), tested under qemu-aarch64:
 #   cmake -S . -B build-aarch64 -DCMAKE_TOOLCHAIN_FILE=cmake/toolchains/aarch64-linux-gnu.cmake
-set(CMAKE_SYSTEM_NAME Linux)
 set(CMAKE_SYSTEM_PROCESSOR aarch64)
-set(CMAKE_C_COMPILER aarch64-linux-gnu-gcc)
-set(CMAKE_CXX_COMPILER aarch64-linux-gnu-g++)
-set(CMAKE_FIND_ROOT_PATH /usr/aarch64-linux-gnu)
-set(CMAKE_FIND_ROOT_PATH_MODE_PROGRAM NEVER)
-set(CMAKE_FIND_ROOT_PATH_MODE_LIBRARY ONLY)
-set(CMAKE_FIND_ROOT_PATH_MODE_INCLUDE ONLY)
-set(CMAKE_FIND_ROOT_PATH_MODE_PACKAGE ONLY)
-set(CMAKE_CROSSCOMPILING_EMULATOR qemu-aarch64 -L /usr/aarch64-linux-gnu)
+set(q7_triple aarch64-linux-gnu)
+set(q7_qemu qemu-aarch64)
+include(${CMAKE_CURRENT_LIST_DIR}/debian-cross.cmake)

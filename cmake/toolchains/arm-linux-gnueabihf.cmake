@@ -1,14 +1,6 @@
-# Cross build for arm-linux-gnueabihf with Debian's cross compiler (g++-arm-linux-gnueabihf); the
-# tests run under qemu-user (qemu-arm), with the target's libraries from
-# /usr/arm-linux-gnueabihf, since no binfmt_misc registration can be relied on.
-#   cmake -S . -B build-arm -DCMAKE_TOOLCHAIN_FILE=cmake/toolchains/arm-linux-gnueabihf.cmake
-set(CMAKE_SYSTEM_NAME Linux)
+# Cross build for arm-linux-gnueabihf with Debian's cross compiler (g++-arm-linux-gnueabihf), tested under qemu-arm:
+#   cmake -S . -B build-armhf -DCMAKE_TOOLCHAIN_FILE=cmake/toolchains/arm-linux-gnueabihf.cmake
 set(CMAKE_SYSTEM_PROCESSOR arm)
-set(CMAKE_C_COMPILER arm-linux-gnueabihf-gcc)
-set(CMAKE_CXX_COMPILER arm-linux-gnueabihf-g++)
-set(CMAKE_FIND_ROOT_PATH /usr/arm-linux-gnueabihf)
-set(CMAKE_FIND_ROOT_PATH_MODE_PROGRAM NEVER)
-set(CMAKE_FIND_ROOT_PATH_MODE_LIBRARY ONLY)
-set(CMAKE_FIND_ROOT_PATH_MODE_INCLUDE ONLY)
-set(CMAKE_FIND_ROOT_PATH_MODE_PACKAGE ONLY)
-set(CMAKE_CROSSCOMPILING_EMULATOR qemu-arm -L /usr/arm-linux-gnueabihf)
+set(q7_triple arm-linux-gnueabihf)
+set(q7_qemu qemu-arm)
+include(${CMAKE_CURRENT_LIST_DIR}/debian-cross.cmake)
