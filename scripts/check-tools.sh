@@ -80,6 +80,7 @@ fi
 if [ ${#missing[@]} -gt 0 ]; then
   case $want in
     build) echo "q7cal cannot be built: missing ${missing[*]}." ;;
+    cross) echo "make cross-test needs: ${missing[*]}." ;;
     *) echo "make $want needs: ${missing[*]}." ;;
   esac
   echo "Install with: apt-get install -y ${missing[*]}"
