@@ -28,7 +28,8 @@ build: check-tools
 	@cmake -S . -B $(BUILD_DIR) -DCMAKE_BUILD_TYPE=Release >&2
 	@cmake --build $(BUILD_DIR) -j $(JOBS) >&2
 
-test: check-tools
+test:
+	@scripts/check-tools.sh --test >&2
 	@cmake -S . -B $(TEST_DIR) -DCMAKE_BUILD_TYPE=Debug -DQ7_SANITIZE=ON -DQ7_TESTS=ON
 	@cmake --build $(TEST_DIR) -j $(JOBS)
 	@cd $(TEST_DIR) && ctest --output-on-failure -j $(JOBS)

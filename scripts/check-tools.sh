@@ -1,5 +1,7 @@
 #!/usr/bin/env bash
-# Says plainly which tools are missing: the build tools, or with --fuzz the
+# Says plainly which tools are missing: the build tools, with --test also
+# the test tools (GoogleTest, and the real readers of q7cal-report's files:
+# xmllint, Debian's junitparser, Chromium and dygraphs), or with --fuzz the
 # fuzzer's (clang with libFuzzer), with --memcheck valgrind, with --deb the
 # packaging tools (dpkg-shlibdeps, lintian), with --bench the reference tool
 # and GNU time, with --cross the MIPS cross compiler and qemu-user (make
@@ -13,6 +15,7 @@ want=build
 for arg in "$@"; do
   case $arg in
     --install) install=1 ;;
+    --test) want=test ;;
     --fuzz) want=fuzz ;;
     --memcheck) want=memcheck ;;
     --deb) want=deb ;;
@@ -23,7 +26,7 @@ done
 # After installing, check again: the build tools, the fuzzer's and the
 # packaging tools (or the cross tools).
 recheck() {
-  if [ $want = cross ]; then "$0" --cross; else "$0" && "$0" --fuzz && "$0" --deb; fi
+  if [ $want = cross ]; then "$0" --cross; else "$0" --test && "$0" --fuzz && "$0" --deb; fi
 }
 
 # clang compiles and links a libFuzzer target.
@@ -39,14 +42,22 @@ fuzzer_links() {
 }
 
 missing=()
-if [ $want = build ] || { [ $install -eq 1 ] && [ $want != cross ]; }; then
+if [ $want = build ] || [ $want = test ] || { [ $install -eq 1 ] && [ $want != cross ]; }; then
   command -v cmake >/dev/null 2>&1 || missing+=(cmake)
   command -v g++ >/dev/null 2>&1 || missing+=(g++)
   command -v make >/dev/null 2>&1 || missing+=(make)
-  [ -f /usr/include/gtest/gtest.h ] || missing+=(libgtest-dev)
   # q7cal-report's JUnit and JSON writers.
   [ -f /usr/include/tinyxml2.h ] || missing+=(libtinyxml2-dev)
   [ -f /usr/include/nlohmann/json.hpp ] || missing+=(nlohmann-json3-dev)
+fi
+if [ $want = test ] || { [ $install -eq 1 ] && [ $want != cross ]; }; then
+  [ -f /usr/include/gtest/gtest.h ] || missing+=(libgtest-dev)
+  # What reads q7cal-report's files in the tests, as a production line would;
+  # dygraphs also draws the page's plots.
+  [ -f /usr/share/javascript/dygraphs/dygraph.min.js ] || missing+=(libjs-dygraphs)
+  command -v xmllint >/dev/null 2>&1 || missing+=(libxml2-utils)
+  /usr/bin/python3 -c 'import junitparser' >/dev/null 2>&1 || missing+=(python3-junitparser)
+  command -v chromium >/dev/null 2>&1 || missing+=(chromium)
 fi
 if [ $want = deb ] || { [ $install -eq 1 ] && [ $want != cross ]; }; then
   command -v dpkg-shlibdeps >/dev/null 2>&1 || missing+=(dpkg-dev)
@@ -80,6 +91,7 @@ fi
 if [ ${#missing[@]} -gt 0 ]; then
   case $want in
     build) echo "q7cal cannot be built: missing ${missing[*]}." ;;
+    test) echo "make test needs: ${missing[*]}." ;;
     cross) echo "make cross-test needs: ${missing[*]}." ;;
     *) echo "make $want needs: ${missing[*]}." ;;
   esac

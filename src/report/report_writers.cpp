@@ -1,123 +1,188 @@
 #include "report_writers.h"
 
-#include <tinyxml2.h>
+#include <climits>
+#include <cstdio>
 
-#include <nlohmann/json.hpp>
+#include <tinyxml2.h>
 
 namespace q7report {
 namespace {
 
-// Suites are named by their run or "commands", and by the file they come
-// from when it has a name.
-std::string SuiteName(const Transcript &transcript, const Suite &suite)
+std::string Seconds(double seconds)
 {
-    return transcript.source == kStandardInput ? suite.name : transcript.source + ": " + suite.name;
+    char text[32];
+    std::snprintf(text, sizeof text, "%.3f", seconds);
+    return text;
 }
 
-// "automated.Tx", "commands.Tx Commands": CI servers show the part before
-// the last dot as a package.
-std::string ClassName(const Suite &suite, const TestCase &one)
+const char *Result(bool passed) { return passed ? "PASS" : "FAIL"; }
+
+// A JSON text, or null where the transcript or the command line gave none.
+nlohmann::ordered_json TextOrNull(const std::string &text)
 {
-    std::string kind = suite.automatedRun ? "automated" : "commands";
-    return one.group.empty() ? kind : kind + "." + one.group;
+    return text.empty() ? nlohmann::ordered_json(nullptr) : nlohmann::ordered_json(text);
+}
+
+// The testsuite's properties: who the unit is, where and by what it was judged.
+std::vector<std::pair<std::string, std::string>> Properties(const UnitRecord &record, const RunContext &context)
+{
+    std::vector<std::pair<std::string, std::string>> properties = {
+        {"unit", UnitName(record, context)}, {"station", context.station}, {"operator", context.operatorName}};
+    for (size_t i = 0; i < kIdentityFieldCount; i++)
+        properties.emplace_back(kIdentityFields[i].key, record.identity[i]);
+    properties.emplace_back("simulated", record.Simulated() ? "yes" : "no");
+    properties.emplace_back("source", record.source);
+    properties.emplace_back("report_version", context.reportVersion);
+    return properties;
 }
 
 }  // namespace
 
-std::string SummaryLine(const Totals &totals)
+std::string SummaryLine(const UnitRecord &record, const RunContext &context)
 {
-    return "q7cal-report: " + std::to_string(totals.checks) + " checks: " + std::to_string(totals.checksPassed) +
-           " PASS, " + std::to_string(totals.checks - totals.checksPassed) + " FAIL; " +
-           std::to_string(totals.expectedErrors) + " expected errors; " + std::to_string(totals.commands) +
-           " commands: " + std::to_string(totals.commandsPassed) + " SUCCESSFUL, " +
-           std::to_string(totals.commands - totals.commandsPassed) + " failed\n";
+    Totals totals = record.Count();
+    return std::string("q7cal-report: ") + Result(record.Passed()) + " unit " + UnitName(record, context) +
+           (record.Simulated() ? " (simulated device)" : "") + " from " + record.source + ": " +
+           std::to_string(totals.checks) + " checks: " + std::to_string(totals.checksPassed) + " PASS, " +
+           std::to_string(totals.checks - totals.checksPassed) + " FAIL; " + std::to_string(totals.expectedErrors) +
+           " expected errors; " + std::to_string(totals.commands) + " commands: " +
+           std::to_string(totals.commandsPassed) + " SUCCESSFUL, " +
+           std::to_string(totals.commands - totals.commandsPassed) + " failed; " +
+           std::to_string(record.measurements.size()) + " measurements\n";
 }
 
-std::string FailureLines(const std::vector<Transcript> &transcripts)
+std::string FailureLines(const UnitRecord &record)
 {
     std::string lines;
-    for (const Transcript &transcript : transcripts)
-        for (const Suite &suite : transcript.suites)
-            for (const TestCase &one : suite.cases)
-                if (!one.passed)
-                    lines += "q7cal-report: FAIL " + SuiteName(transcript, suite) + ": " +
-                             (one.group.empty() ? "" : one.group + ": ") + one.name + ": " + one.message + " (line " +
-                             std::to_string(one.line) + ")\n";
+    for (const Check &check : record.checks)
+        if (!check.passed)
+            lines += "q7cal-report: FAIL " + record.source + ": " + check.classname + ": " + check.name + ": " +
+                     check.message + " (line " + std::to_string(check.line) + ")\n";
     return lines;
 }
 
-std::string JunitXml(const std::vector<Transcript> &transcripts)
+std::string JunitXml(const std::vector<UnitRecord> &records, const RunContext &context)
 {
     tinyxml2::XMLDocument document;
     document.InsertEndChild(document.NewDeclaration());
     tinyxml2::XMLElement *all = document.NewElement("testsuites");
     document.InsertEndChild(all);
-    all->SetAttribute("name", "q7cal-report");
-    size_t tests = 0, failures = 0;
-    for (const Transcript &transcript : transcripts)
-        for (const Suite &suite : transcript.suites) {
-            tinyxml2::XMLElement *xmlSuite = all->InsertNewChildElement("testsuite");
-            xmlSuite->SetAttribute("name", SuiteName(transcript, suite).c_str());
-            size_t suiteFailures = 0;
-            for (const TestCase &one : suite.cases) {
-                tinyxml2::XMLElement *xmlCase = xmlSuite->InsertNewChildElement("testcase");
-                xmlCase->SetAttribute("classname", ClassName(suite, one).c_str());
-                xmlCase->SetAttribute("name", one.name.c_str());
-                if (!one.passed) {
-                    tinyxml2::XMLElement *failure = xmlCase->InsertNewChildElement("failure");
-                    failure->SetAttribute("message", one.message.c_str());
-                    failure->SetAttribute("type", one.expectedError ? "missing expected error" : "FAIL");
-                    failure->SetText(one.output.c_str());
-                    suiteFailures++;
-                }
-            }
-            xmlSuite->SetAttribute("tests", static_cast<uint64_t>(suite.cases.size()));
-            xmlSuite->SetAttribute("failures", static_cast<uint64_t>(suiteFailures));
-            xmlSuite->SetAttribute("errors", 0);
-            tests += suite.cases.size();
-            failures += suiteFailures;
+    for (size_t id = 0; id < records.size(); id++) {
+        const UnitRecord &record = records[id];
+        size_t failures = 0;
+        for (const Check &check : record.checks)
+            failures += !check.passed;
+        tinyxml2::XMLElement *suite = all->InsertNewChildElement("testsuite");
+        // Each unit a suite of its own: its name says which unit and which transcript.
+        suite->SetAttribute("name", (UnitName(record, context) + " (" + record.source + ")").c_str());
+        suite->SetAttribute("package", "q7cal");
+        suite->SetAttribute("id", static_cast<int64_t>(id));
+        suite->SetAttribute("timestamp", IsoTime(record.start).c_str());
+        suite->SetAttribute("hostname", context.hostname.c_str());
+        suite->SetAttribute("tests", static_cast<int64_t>(record.checks.size()));
+        suite->SetAttribute("failures", static_cast<int64_t>(failures));
+        suite->SetAttribute("errors", 0);
+        suite->SetAttribute("time", Seconds(record.seconds).c_str());
+
+        tinyxml2::XMLElement *properties = suite->InsertNewChildElement("properties");
+        for (const auto &[name, value] : Properties(record, context)) {
+            tinyxml2::XMLElement *property = properties->InsertNewChildElement("property");
+            property->SetAttribute("name", name.c_str());
+            property->SetAttribute("value", value.c_str());
         }
-    all->SetAttribute("tests", static_cast<uint64_t>(tests));
-    all->SetAttribute("failures", static_cast<uint64_t>(failures));
-    all->SetAttribute("errors", 0);
+        for (const Check &check : record.checks) {
+            tinyxml2::XMLElement *testcase = suite->InsertNewChildElement("testcase");
+            testcase->SetAttribute("name", check.name.c_str());
+            testcase->SetAttribute("classname", check.classname.c_str());
+            testcase->SetAttribute("time", Seconds(check.seconds).c_str());
+            if (!check.passed) {
+                tinyxml2::XMLElement *failure = testcase->InsertNewChildElement("failure");
+                failure->SetAttribute("message", check.message.c_str());
+                failure->SetAttribute("type", check.type.c_str());
+                failure->SetText(check.evidence.c_str());
+            }
+        }
+        suite->InsertNewChildElement("system-out")->SetText(record.transcript.c_str());
+        suite->InsertNewChildElement("system-err")->SetText(FailureLines(record).c_str());
+    }
     tinyxml2::XMLPrinter printer;
     document.Print(&printer);
     return printer.CStr();
 }
 
-std::string JsonRecord(const std::vector<Transcript> &transcripts)
+nlohmann::ordered_json UnitJson(const UnitRecord &record, const RunContext &context)
 {
-    Totals totals = CountCases(transcripts);
-    nlohmann::ordered_json record;
-    record["passed"] = totals.AllPassed();
-    record["checks"] = {{"total", totals.checks},
-                        {"pass", totals.checksPassed},
-                        {"fail", totals.checks - totals.checksPassed}};
-    record["expected_errors"] = totals.expectedErrors;
-    record["commands"] = {{"total", totals.commands},
-                          {"successful", totals.commandsPassed},
-                          {"failed", totals.commands - totals.commandsPassed}};
-    record["suites"] = nlohmann::ordered_json::array();
-    for (const Transcript &transcript : transcripts)
-        for (const Suite &suite : transcript.suites) {
-            nlohmann::ordered_json cases = nlohmann::ordered_json::array();
-            for (const TestCase &one : suite.cases) {
-                nlohmann::ordered_json entry = {{"class", ClassName(suite, one)},
-                                                {"name", one.name},
-                                                {"passed", one.passed},
-                                                {"line", one.line}};
-                if (one.expectedError)
-                    entry["expected_error"] = true;
-                if (!one.passed)
-                    entry["message"] = one.message;
-                cases.push_back(entry);
-            }
-            record["suites"].push_back({{"source", transcript.source},
-                                        {"name", suite.name},
-                                        {"automated_run", suite.automatedRun},
-                                        {"cases", cases}});
-        }
-    return record.dump(2) + "\n";
+    nlohmann::ordered_json identity;
+    for (size_t i = 0; i < kIdentityFieldCount; i++)
+        identity[kIdentityFields[i].key] = TextOrNull(record.identity[i]);
+    Totals totals = record.Count();
+
+    nlohmann::ordered_json checks = nlohmann::ordered_json::array();
+    for (const Check &check : record.checks)
+        checks.push_back({{"class", check.classname},
+                          {"name", check.name},
+                          {"result", Result(check.passed)},
+                          {"expected_error", check.expectedError},
+                          {"type", TextOrNull(check.type)},
+                          {"message", TextOrNull(check.message)},
+                          {"line", check.line},
+                          {"at_seconds", check.at},
+                          {"seconds", check.seconds}});
+
+    nlohmann::ordered_json measurements = nlohmann::ordered_json::array();
+    for (const Measurement &measurement : record.measurements) {
+        nlohmann::ordered_json entry = {{"name", measurement.name},
+                                        {"quantity", measurement.quantity},
+                                        {"class", measurement.classname},
+                                        {"command", measurement.command},
+                                        {"unit", measurement.unit}};
+        if (measurement.isArray)
+            entry["values"] = measurement.values;
+        else
+            entry["value"] = measurement.values.front();
+        entry["line"] = measurement.line;
+        entry["low"] = measurement.limit ? nlohmann::ordered_json(measurement.limit->low) : nullptr;
+        entry["high"] = measurement.limit ? nlohmann::ordered_json(measurement.limit->high) : nullptr;
+        entry["result"] = measurement.limit ? nlohmann::ordered_json(Result(measurement.withinLimits)) : nullptr;
+        measurements.push_back(entry);
+    }
+
+    return {{"source", record.source},
+            {"unit", {{"id", TextOrNull(context.unit)},
+                      {"name", UnitName(record, context)},
+                      {"simulated", record.Simulated()},
+                      {"identity", identity}}},
+            {"context", {{"station", TextOrNull(context.station)},
+                         {"operator", TextOrNull(context.operatorName)},
+                         {"hostname", context.hostname},
+                         {"start_time", IsoTime(record.start) + "Z"},
+                         {"seconds", record.seconds},
+                         {"timed", record.timed},
+                         {"scripted", record.scripted}}},
+            {"verdict", Result(record.Passed())},
+            {"totals", {{"checks", totals.checks},
+                        {"checks_passed", totals.checksPassed},
+                        {"expected_errors", totals.expectedErrors},
+                        {"commands", totals.commands},
+                        {"commands_passed", totals.commandsPassed},
+                        {"measurements", record.measurements.size()}}},
+            {"checks", checks},
+            {"measurements", measurements}};
+}
+
+std::string JsonDocument(const std::vector<UnitRecord> &records, const RunContext &context)
+{
+    bool passed = !records.empty();
+    nlohmann::ordered_json units = nlohmann::ordered_json::array();
+    for (const UnitRecord &record : records) {
+        passed = passed && record.Passed();
+        units.push_back(UnitJson(record, context));
+    }
+    nlohmann::ordered_json document = {{"schema_version", kJsonSchemaVersion},
+                                       {"report_version", context.reportVersion},
+                                       {"verdict", Result(passed)},
+                                       {"units", units}};
+    return document.dump(2) + "\n";
 }
 
 }  // namespace q7report

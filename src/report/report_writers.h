@@ -1,25 +1,42 @@
-// What q7cal-report writes: the summary line, JUnit XML and a JSON record.
+// What q7cal-report writes of its judged units: a summary line and failure
+// lines for the console, JUnit XML, JSON records and an HTML page.
 #ifndef Q7REPORT_REPORT_WRITERS_H
 #define Q7REPORT_REPORT_WRITERS_H
 
+#include <nlohmann/json.hpp>
 #include <string>
 #include <vector>
 
-#include "transcript.h"
+#include "unit_record.h"
 
 namespace q7report {
 
-// "q7cal-report: 19 checks: 19 PASS, 0 FAIL; 3 expected errors; 0 commands: 0 SUCCESSFUL, 0 failed"
-std::string SummaryLine(const Totals &totals);
+// The JSON records' layout; a new member keeps it, a changed or removed one
+// raises it.
+inline constexpr int kJsonSchemaVersion = 1;
 
-// One line per failed case, for standard error.
-std::string FailureLines(const std::vector<Transcript> &transcripts);
+// "q7cal-report: PASS unit 02:1A:C7:30:5E:81 (simulated device) from standard
+// input: 36 checks: 36 PASS, 0 FAIL; 3 expected errors; 0 commands: ..."
+std::string SummaryLine(const UnitRecord &record, const RunContext &context);
 
-// A <testsuites> document: a <testsuite> per automated run and per
-// transcript's commands, a <testcase> per check or command.
-std::string JunitXml(const std::vector<Transcript> &transcripts);
+// One line per failed check, for standard error.
+std::string FailureLines(const UnitRecord &record);
 
-std::string JsonRecord(const std::vector<Transcript> &transcripts);
+// A <testsuites> document with a <testsuite> per unit, valid by the strict
+// JUnit schema of Apache Ant.
+std::string JunitXml(const std::vector<UnitRecord> &records, const RunContext &context);
+
+// One unit's record: identity, context, verdict, checks and measurements.
+nlohmann::ordered_json UnitJson(const UnitRecord &record, const RunContext &context);
+
+// Every unit's record, under the schema version and the report's version.
+std::string JsonDocument(const std::vector<UnitRecord> &records, const RunContext &context);
+
+// One self-contained page: the verdict, each unit's identity, checks (failures
+// first), measurements and a plot of every list of values; `plotLibrary` is
+// the plotting script, inlined so that the page opens offline.
+std::string HtmlPage(const std::vector<UnitRecord> &records, const RunContext &context,
+                     const std::string &plotLibrary, const std::string &plotStyle);
 
 }  // namespace q7report
 

@@ -1,8 +1,15 @@
 #include "transcript.h"
 
+#include <algorithm>
 #include <cctype>
+#include <cmath>
+#include <cstdio>
 #include <cstdlib>
 #include <iterator>
+#include <map>
+#include <optional>
+
+#include "result_lines.h"
 
 namespace q7report {
 namespace {
@@ -16,6 +23,8 @@ const char kMainMenu[] = "Cal API Main Menu";
 const char kInvalidOption[] = "Sorry. Invalid option selected.";
 const char kRunStart[] = "Push[ 1] - set device mode";
 const char kRunEnd[] = "Pop[ 0] - set device mode";
+const char kRunEndValues[] = "Pop[ 0] - set device mode: mode = %u modulation = %u CW Offset=%u LoopbackTX=%u";
+const char kModeNotRestored[] = "WARNING: The device mode is not restored";
 const char kHeading[] = "------------- Testing ";
 const char kErrorsExpected[] = "errors are expected";
 const char kPinWrite[] = "Setting GPIO ";
@@ -26,6 +35,14 @@ const char kVerifyErrors[] = " verify errors.";
 // How a command that went well ends: its SUCCESSFUL line, or for connecting
 // and disconnecting, the line that says so.
 const char *const kGoodEndings[] = {" was SUCCESSFUL.", "     Device connected.", "     Device disconnected."};
+// The states a run shows: "    RF checksum is  VALID" or "... is NOT VALID",
+// "    Calibration state = VALID" or "= NOT VALID".
+const char kChecksumState[] = " checksum is ";
+const char kCalibrationState[] = "Calibration state = ";
+const char kValid[] = "VALID";
+const char kNotValid[] = "NOT VALID";
+const char kSpectrumLength[] = "Spectrum length";
+const char kSpectrum[] = "Rx spectrum";  // its rows, as ParseResultLine names them
 
 // The automated run's seven groups, by the heading that each opens with.
 struct Group {
@@ -42,6 +59,23 @@ const Group kGroups[] = {
     {"ReadDSDBytes", "DSD read/write"},
 };
 const size_t kGroupCount = std::size(kGroups);
+
+// The run's PASS or FAIL lines, named by what each checks, in the order its
+// section prints them; the same names from unit to unit, whatever values a
+// unit restores. A section's further verdicts are named by position.
+struct SectionChecks {
+    const char *section;
+    std::vector<const char *> names;
+};
+const SectionChecks kRunCheckNames[] = {
+    {"GetBandConfig and SetBandConfig", {"2500000 kHz, 10000 kHz", "2533500 kHz, 5000 kHz", "band restored"}},
+    {"GetRxGainState and SetRxGainState", {"Rx1 gain state", "Rx2 gain state"}},
+    {"GetTxAttn and SetTxAttn", {"attenuator set 1", "attenuator set 2"}},
+    {"GetTxOutputPower and SetTxOutputPower", {"+20 dBm", "-20 dBm", "+10 dBm"}},
+    {"GetTxDiversitySwitch and SetTxDiversitySwitch", {"antenna 1", "antenna 2", "antenna 1 again"}},
+    {"ReadGPIOState, SetGPIOConfiguration, and SetGPIOPinState", {"LED write 0", "LED write 1"}},
+    {"WriteRFICRegister", {"write 0x0000", "write 0x0000 again", "write 0xFFFF", "saved value restored"}},
+};
 
 // The one command that opens with a question instead of its heading.
 const char kNvmModeQuestion[] = "Enter interface type";
@@ -66,6 +100,13 @@ std::string LastWord(const std::string &line)
     return trimmed.substr(trimmed.find_last_of(" \t") + 1);
 }
 
+std::string Number(double value)
+{
+    char text[32];
+    std::snprintf(text, sizeof text, "%g", value);
+    return text;
+}
+
 // From "ERROR:" on: the text that names the failure.
 std::string ErrorText(const std::string &line)
 {
@@ -87,10 +128,10 @@ std::string MenuTitle(const std::string &line)
 }
 
 // A command's heading: "GetTxAttn:", "Set TR Switch:" or a lone name such as
-// "ResetRxSpectrum"; never a prompt or a result line.
+// "ResetRxSpectrum"; never a prompt, a result line or a verdict.
 bool IsHeading(const std::string &line)
 {
-    if (line.empty() || !std::isalpha(static_cast<unsigned char>(line[0])))
+    if (line.empty() || !std::isalpha(static_cast<unsigned char>(line[0])) || line == "PASS" || line == "FAIL")
         return false;
     bool colon = line.back() == ':';
     std::string name = colon ? line.substr(0, line.size() - 1) : line;
@@ -99,23 +140,60 @@ bool IsHeading(const std::string &line)
     return colon || name.find(' ') == std::string::npos;
 }
 
+std::string HeadingName(const std::string &line)
+{
+    return line.back() == ':' ? line.substr(0, line.size() - 1) : line;
+}
+
+// A menu prompt followed by a typed answer ("ENTER OPTION : 9"): a terminal
+// session recorded with its echo. Piped answers are never echoed.
+bool ShowsTypedAnswer(const std::string &line)
+{
+    if (!StartsWith(line, kMenuPrompt))
+        return false;
+    std::string answer = Trim(line.substr(sizeof kMenuPrompt - 1));
+    if (!answer.empty() && answer[0] == '-')
+        answer.erase(0, 1);
+    return !answer.empty() &&
+           std::all_of(answer.begin(), answer.end(), [](char c) { return std::isdigit(static_cast<unsigned char>(c)); });
+}
+
+bool IsIdentityLabel(const std::string &label)
+{
+    for (const IdentityField &field : kIdentityFields)
+        if (label == field.label)
+            return true;
+    return false;
+}
+
 // Reads a transcript line by line. Outside an automated run, the output
 // between a group menu's prompt and the next menu is one command; inside a
-// run, every PASS or FAIL line is a check, and every error one more.
+// run, every PASS or FAIL line, every state the unit shows and every error
+// is a check. Everywhere, every value line is a measurement, judged by its
+// limits where it has any.
 class Reader {
 public:
-    explicit Reader(Transcript &transcript) : transcript_(transcript) {}
+    Reader(UnitRecord &record, const Limits &limits) : record_(record), limits_(limits) {}
 
-    void Read(std::string line)
+    void Read(const std::string &line, double at)
     {
         lineNumber_++;
+        at_ = at;
+        record_.transcript += line + "\n";
         if (Contains(line, kConnecting) || Contains(line, kNoInterface))
-            transcript_.isSession = true;
+            record_.isSession = true;
+        if (ShowsTypedAnswer(line))
+            record_.scripted = false;
+        NoteIdentity(line);
+        if (pendingModeCheck_ && NoteModeWarning(line))
+            return;
         std::string title = MenuTitle(line);
         if (!title.empty()) {
             EnterMenu(title);
             return;
         }
+        if (Contains(line, kInvalidOption))
+            NoteInvalidOption();
         if (run_.active) {
             ReadRunLine(line);
             return;
@@ -124,45 +202,206 @@ public:
             StartRun();
             return;
         }
-        if (StartsWith(line, kMenuPrompt)) {
-            line.erase(0, sizeof kMenuPrompt - 1);
+        std::string text = line;
+        if (StartsWith(text, kMenuPrompt)) {
+            text.erase(0, sizeof kMenuPrompt - 1);
+            FinishMeasurement();
             commandOpen_ = menu_ != kMainMenu && !menu_.empty();
+            command_.clear();
         }
-        if (commandOpen_ || menu_.empty())
-            commandLines_.push_back({line, lineNumber_});
+        if (commandOpen_ || menu_.empty()) {
+            commandLines_.push_back({text, lineNumber_, at_});
+            if (commandOpen_ && command_.empty() && IsHeading(text))
+                command_ = HeadingName(text);
+            if (commandOpen_)
+                ReadValues(text, "commands." + menu_, command_.empty() ? menu_ : command_);
+        }
     }
 
     void Finish()
     {
         if (run_.active)
             FinishRun("the transcript ends inside the run");
+        pendingModeCheck_ = false;
+        FinishMeasurement();
         FinishCommand(true);
+        // Whether the answers kept in step is judged only where something else was.
+        if (record_.scripted && !outOfStep_ && !record_.checks.empty()) {
+            Check inStep;
+            inStep.classname = "session";
+            inStep.name = "answers in step";
+            inStep.line = lineNumber_;
+            AddCheck(inStep, at_);
+        }
+        record_.seconds = at_;
     }
 
 private:
     struct Line {
         std::string text;
         size_t number;
+        double at;
     };
 
     struct Run {
         bool active = false;
-        Suite suite;
+        std::string classname;  // "automated.Tx"; "automated 2.Tx" for a transcript's second run
         size_t groupsSeen = 0;  // how many of kGroups have opened, in order
-        std::string group;
         std::string section = "start of run";
+        std::string command;        // the heading of the command the section runs, if any
         size_t verdicts = 0;        // in the section
         size_t errors = 0;          // in the section
-        size_t expectedErrors = 0;  // in the section
+        size_t warnings = 0;        // in the section
         bool errorsExpected = false;
-        std::string evidence;  // the section's lines since its last verdict
+        std::string evidence;  // the section's lines since its last check
     };
+
+    // ---- Checks and measurements, wherever they come from ----
+
+    // A check decided at time `at`, which took the time since the check before it.
+    void AddCheck(Check check, double at)
+    {
+        check.at = at;
+        check.seconds = at - lastCheckAt_;
+        lastCheckAt_ = at;
+        record_.checks.push_back(std::move(check));
+    }
+
+    void NoteIdentity(const std::string &line)
+    {
+        std::string label, text;
+        if (!SplitLabeledLine(line, label, text))
+            return;
+        for (size_t i = 0; i < kIdentityFieldCount; i++)
+            if (label == kIdentityFields[i].label)
+                record_.identity[i] = text;
+    }
+
+    // Every value line is a measurement; a list or the spectrum is one
+    // measurement of all its lines, finished by the first line that is not
+    // one of them.
+    void ReadValues(const std::string &line, const std::string &classname, const std::string &command)
+    {
+        ResultLine values = ParseResultLine(line);
+        // Spectrum rows follow the spectrum's length; a hex dump only looks like them.
+        if (values.kind == ResultLine::kSpectrumRow && lastQuantity_ != kSpectrumLength && lastQuantity_ != kSpectrum)
+            values = ResultLine();
+        if (values.kind != ResultLine::kNone)
+            lastQuantity_ = values.quantity;
+        else if (!Trim(line).empty())
+            lastQuantity_.clear();
+        bool continues = pending_ && values.kind != ResultLine::kValue && values.kind != ResultLine::kNone &&
+                         values.label == pending_->quantity;
+        if (!continues)
+            FinishMeasurement();
+        if (values.kind == ResultLine::kNone || IsIdentityLabel(values.label))
+            return;
+        if (!pending_) {
+            pending_ = Measurement();
+            pending_->quantity = values.quantity;
+            pending_->name = values.label;
+            pending_->classname = classname;
+            pending_->command = command;
+            pending_->unit = values.unit;
+            pending_->line = lineNumber_;
+            pending_->isArray = values.isArray || values.kind != ResultLine::kValue;
+            pendingEvidence_.clear();
+        }
+        pending_->values.insert(pending_->values.end(), values.values.begin(), values.values.end());
+        pendingEvidence_ += line + "\n";
+        if (values.kind == ResultLine::kValue)
+            FinishMeasurement();
+    }
+
+    void FinishMeasurement()
+    {
+        if (!pending_)
+            return;
+        Measurement measurement = std::move(*pending_);
+        pending_.reset();
+        if (measurement.quantity == kSpectrum && !measurement.values.empty()) {
+            // The spectrum's noise floor (its 10th percentile: the empty bins)
+            // and its peak, each judged by limits of its own.
+            std::vector<double> sorted = measurement.values;
+            std::sort(sorted.begin(), sorted.end());
+            Measurement floor = measurement, peak = measurement;
+            floor.name = floor.quantity = "Rx spectrum noise floor";
+            floor.values = {sorted[(sorted.size() - 1) / 10]};
+            peak.name = peak.quantity = "Rx spectrum peak";
+            peak.values = {sorted.back()};
+            floor.isArray = peak.isArray = false;
+            Record(std::move(measurement));
+            Record(std::move(floor));
+            Record(std::move(peak));
+            return;
+        }
+        Record(std::move(measurement));
+    }
+
+    void Record(Measurement measurement)
+    {
+        size_t seen = ++measurementNames_[measurement.name];
+        if (seen > 1)
+            measurement.name += " #" + std::to_string(seen);
+        if (const Limit *limit = limits_.Find(measurement.quantity)) {
+            measurement.limit = *limit;
+            JudgeLimits(measurement);
+        }
+        record_.measurements.push_back(std::move(measurement));
+    }
+
+    void JudgeLimits(Measurement &measurement)
+    {
+        const Limit &limit = *measurement.limit;
+        Check check;
+        check.classname = measurement.classname;
+        check.name = measurement.command + ": " + measurement.name;
+        check.line = measurement.line;
+        check.evidence = pendingEvidence_;
+        std::string limits = Number(limit.low) + " to " + Number(limit.high) + (limit.unit.empty() ? "" : " ") + limit.unit;
+        if (measurement.unit != limit.unit) {
+            check.message = measurement.name + " is in \"" + measurement.unit + "\", its limits in \"" + limit.unit + "\"";
+        } else {
+            for (size_t i = 0; i < measurement.values.size() && check.message.empty(); i++) {
+                double value = measurement.values[i];
+                if (value >= limit.low && value <= limit.high)
+                    continue;
+                std::string name = measurement.isArray ? measurement.name + "[" + std::to_string(i) + "]" : measurement.name;
+                check.message = name + " = " + Number(value) + (measurement.unit.empty() ? "" : " ") +
+                                measurement.unit + " is outside its limits " + limits;
+            }
+        }
+        if (!check.message.empty()) {
+            check.passed = measurement.withinLimits = false;
+            check.type = "outside limits";
+        }
+        AddCheck(check, at_);
+    }
+
+    // A stray answer fell to a menu, which refused it: a script's answers no
+    // longer meet the questions they were written for.
+    void NoteInvalidOption()
+    {
+        if (!record_.scripted || outOfStep_)
+            return;
+        outOfStep_ = true;
+        Check inStep;
+        inStep.classname = "session";
+        inStep.name = "answers in step";
+        inStep.passed = false;
+        inStep.type = "out of step";
+        inStep.line = lineNumber_ - 1;  // the menu's prompt, which took the answer
+        inStep.message = "answers out of step after line " + std::to_string(inStep.line);
+        inStep.evidence = std::string(kMenuPrompt) + "\n" + kInvalidOption + "\n";
+        AddCheck(inStep, at_);
+    }
 
     void EnterMenu(const std::string &title)
     {
-        transcript_.isSession = true;
+        record_.isSession = true;
         if (run_.active)
             FinishRun("the run was left without its final Pop[ 0]");
+        FinishMeasurement();
         FinishCommand(false);
         menu_ = title;
         commandOpen_ = false;
@@ -185,12 +424,14 @@ private:
         if (startUp && !Contains(lines.back().text, kNoInterface))
             return;
 
-        TestCase command;
-        command.group = startUp ? "start-up" : menu_;
-        command.name = startUp ? "Connect device" : CommandName(lines);
-        command.name += " #" + std::to_string(++commands_);
+        Check command;
+        command.isCommand = true;
+        command.classname = startUp ? "start-up" : "commands." + menu_;
+        std::string name = startUp ? "Connect device" : CommandName(lines);
+        size_t seen = ++commandNames_[command.classname + "\n" + name];
+        command.name = seen == 1 ? name : name + " #" + std::to_string(seen);
         for (const Line &line : lines)
-            command.output += line.text + "\n";
+            command.evidence += line.text + "\n";
         const Line *failing = nullptr;
         for (const Line &line : lines)
             if (Contains(line.text, kError) || Contains(line.text, kWarning) || HasVerifyErrors(line.text)) {
@@ -199,17 +440,21 @@ private:
             }
         if (failing != nullptr) {
             command.passed = false;
-            command.message = Contains(failing->text, kError) ? ErrorText(failing->text) : TrimRight(failing->text);
+            bool error = Contains(failing->text, kError);
+            command.type = error ? "ERROR" : Contains(failing->text, kWarning) ? "WARNING" : "verify errors";
+            command.message = error ? ErrorText(failing->text) : TrimRight(failing->text);
             command.line = failing->number;
         } else {
             command.line = lines.back().number;
             if (!EndsWell(lines.back().text)) {
                 command.passed = false;
+                command.type = "no SUCCESSFUL line";
                 command.message = atEnd ? "the transcript ends inside the command"
                                         : "no SUCCESSFUL line: it ends with \"" + TrimRight(lines.back().text) + "\"";
             }
         }
-        CommandSuite().cases.push_back(command);
+        lastCheckAt_ = lines.front().at;  // a command takes from its first line to its last
+        AddCheck(command, lines.back().at);
     }
 
     static bool EndsWell(const std::string &line)
@@ -232,18 +477,8 @@ private:
         // A heading may follow a first prompt (GetTxAttn asks for the transmitter first).
         for (size_t i = 0; i < lines.size() && i < 2; i++)
             if (IsHeading(lines[i].text))
-                return lines[i].text.back() == ':' ? lines[i].text.substr(0, lines[i].text.size() - 1)
-                                                   : lines[i].text;
+                return HeadingName(lines[i].text);
         return TrimRight(lines[0].text.substr(0, 60));
-    }
-
-    Suite &CommandSuite()
-    {
-        for (Suite &suite : transcript_.suites)
-            if (!suite.automatedRun)
-                return suite;
-        transcript_.suites.push_back({"commands", false, {}});
-        return transcript_.suites.back();
     }
 
     // ---- Automated runs ----
@@ -252,10 +487,17 @@ private:
     {
         commandLines_.clear();  // the run is the command's whole output
         commandOpen_ = false;
+        FinishMeasurement();
         run_ = Run();
         run_.active = true;
-        run_.suite.name = "automated run " + std::to_string(++runs_);
-        run_.suite.automatedRun = true;
+        runs_++;
+        run_.classname = runs_ == 1 ? "automated" : "automated " + std::to_string(runs_);
+        lastCheckAt_ = at_;
+    }
+
+    std::string RunClass() const
+    {
+        return run_.groupsSeen == 0 ? run_.classname : run_.classname + "." + kGroups[run_.groupsSeen - 1].name;
     }
 
     void ReadRunLine(const std::string &line)
@@ -269,79 +511,160 @@ private:
             FinishRun(run_.groupsSeen == kGroupCount
                           ? ""
                           : std::string("the run ended before the ") + kGroups[run_.groupsSeen].name + " group");
+            CheckModeRestored(line);
             return;
         }
         if (StartsWith(line, kHeading)) {
+            FinishMeasurement();
             OpenSection(line.substr(sizeof kHeading - 1));
             return;
         }
         run_.evidence += line + "\n";
+        if (IsHeading(line))
+            run_.command = HeadingName(line);
+        ReadValues(line, RunClass(), run_.command.empty() ? run_.section : run_.command);
         if (Contains(line, kErrorsExpected))
             run_.errorsExpected = true;
         bool error = Contains(line, kError);
         if (run_.errorsExpected && StartsWith(line, kPinWrite) && !Contains(line, kSkippedPin)) {
-            AddRunCase(error ? "" : "the write succeeded after the write permission was set to 0",
-                       ": expected error #" + std::to_string(++run_.expectedErrors), true);
+            AddRunCheck(error ? "" : "the write succeeded after the write permission was set to 0",
+                        "GPIO " + std::to_string(std::strtoul(line.c_str() + sizeof kPinWrite - 1, nullptr, 10)) +
+                            " write refused",
+                        error ? "" : "missing expected error", true);
         } else if (error) {
-            AddRunCase(ErrorText(line), ": error #" + std::to_string(++run_.errors), false);
+            AddRunCheck(ErrorText(line), "error #" + std::to_string(++run_.errors), "ERROR", false);
+        } else if (Contains(line, kWarning)) {
+            AddRunCheck(TrimRight(line), "warning #" + std::to_string(++run_.warnings), "WARNING", false);
+        } else if (Contains(line, kChecksumState) && EndsWith(TrimRight(line), kValid)) {
+            // A state is judged on its own line.
+            run_.evidence = line + "\n";
+            std::string block = Trim(line.substr(0, line.find(kChecksumState)));
+            bool valid = !Contains(line, kNotValid);
+            AddRunCheck(valid ? "" : Trim(line), block + " checksum", "NOT VALID", false);
+        } else if (Contains(line, kCalibrationState)) {
+            run_.evidence = line + "\n";
+            bool valid = TrimRight(line.substr(line.find(kCalibrationState) + sizeof kCalibrationState - 1)) == kValid;
+            AddRunCheck(valid ? "" : Trim(line), "Calibration state", "NOT VALID", false);
         } else {
             std::string verdict = LastWord(line);
             if (verdict == "PASS" || verdict == "FAIL")
-                AddRunCase(verdict == "PASS" ? "" : TrimRight(line), " #" + std::to_string(++run_.verdicts), false);
+                AddRunCheck(verdict == "PASS" ? "" : TrimRight(line), VerdictName(run_.verdicts++), "FAIL", false);
         }
+    }
+
+    std::string VerdictName(size_t index) const
+    {
+        for (const SectionChecks &section : kRunCheckNames)
+            if (run_.section == section.section && index < section.names.size())
+                return section.names[index];
+        return "#" + std::to_string(index + 1);
     }
 
     void OpenSection(const std::string &heading)
     {
         if (run_.groupsSeen < kGroupCount && heading == kGroups[run_.groupsSeen].heading)
-            run_.group = kGroups[run_.groupsSeen++].name;
+            run_.groupsSeen++;
         run_.section = heading;
-        run_.verdicts = run_.errors = run_.expectedErrors = 0;
+        run_.command.clear();
+        run_.verdicts = run_.errors = run_.warnings = 0;
         run_.errorsExpected = false;
         run_.evidence.clear();
     }
 
-    // A case of the current section; `failure` empty: it passed.
-    void AddRunCase(const std::string &failure, const std::string &position, bool expectedError)
+    // A check of the current section; `failure` empty: it passed.
+    void AddRunCheck(const std::string &failure, const std::string &item, const char *type, bool expectedError)
     {
-        TestCase check;
-        check.group = run_.group;
-        check.name = run_.section + position;
+        Check check;
+        check.classname = RunClass();
+        check.name = run_.section + ": " + item;
         check.passed = failure.empty();
         check.expectedError = expectedError;
+        if (!check.passed)
+            check.type = type;
         check.message = failure;
-        check.output.swap(run_.evidence);
+        check.evidence.swap(run_.evidence);
         check.line = lineNumber_;
-        run_.suite.cases.push_back(check);
+        AddCheck(check, at_);
     }
 
     // `incomplete` empty: the run went through every group to its final pop.
     void FinishRun(const std::string &incomplete)
     {
-        if (!incomplete.empty()) {
-            TestCase complete;
-            complete.name = "run complete";
-            complete.passed = false;
-            complete.message = incomplete;
-            complete.line = lineNumber_;
-            run_.suite.cases.push_back(complete);
-        }
-        transcript_.suites.push_back(run_.suite);
-        run_ = Run();
+        FinishMeasurement();
+        Check complete;
+        complete.classname = run_.classname;
+        complete.name = "run complete";
+        complete.passed = incomplete.empty();
+        complete.type = incomplete.empty() ? "" : "incomplete";
+        complete.message = incomplete;
+        complete.line = lineNumber_;
+        AddCheck(complete, at_);
+        run_.active = false;
     }
 
-    Transcript &transcript_;
+    // The final pop puts the device back in the base record's mode (Normal,
+    // nothing else set); q7cal reads the mode back and warns on the next
+    // line when the device did not take it.
+    void CheckModeRestored(const std::string &line)
+    {
+        unsigned values[4] = {1, 1, 1, 1};
+        int read = std::sscanf(line.c_str() + line.find(kRunEnd), kRunEndValues, &values[0], &values[1], &values[2],
+                               &values[3]);
+        Check restored;
+        restored.classname = run_.classname;
+        restored.name = "device mode restored";
+        restored.evidence = line + "\n";
+        restored.line = lineNumber_;
+        if (read != 4 || values[0] != 0 || values[1] != 0 || values[2] != 0 || values[3] != 0) {
+            restored.passed = false;
+            restored.type = "WARNING";
+            restored.message = "the final pop did not set the Normal mode: " + TrimRight(line);
+        }
+        modeCheck_ = record_.checks.size();
+        AddCheck(restored, at_);
+        pendingModeCheck_ = true;
+    }
+
+    // True when `line` was the warning, or a blank line before it.
+    bool NoteModeWarning(const std::string &line)
+    {
+        if (TrimRight(line).empty())
+            return true;
+        pendingModeCheck_ = false;
+        if (!Contains(line, kModeNotRestored))
+            return false;
+        Check &restored = record_.checks[modeCheck_];
+        restored.passed = false;
+        restored.type = "WARNING";
+        restored.message = TrimRight(line);
+        restored.evidence += line + "\n";
+        restored.line = lineNumber_;
+        return true;
+    }
+
+    UnitRecord &record_;
+    const Limits &limits_;
     size_t lineNumber_ = 0;
+    double at_ = 0;
+    double lastCheckAt_ = 0;
     std::string menu_;  // the title of the menu shown last; "" before the first
     bool commandOpen_ = false;
+    std::string command_;  // the open command's heading
     std::vector<Line> commandLines_;
-    size_t commands_ = 0;
+    std::map<std::string, size_t> commandNames_;      // how often each command ran
+    std::map<std::string, size_t> measurementNames_;  // how often each value was printed
+    std::optional<Measurement> pending_;              // a list or spectrum still being read
+    std::string pendingEvidence_;
+    std::string lastQuantity_;  // of the last value line, while no other line came between
     size_t runs_ = 0;
     Run run_;
+    bool pendingModeCheck_ = false;  // the line after the final pop may warn
+    size_t modeCheck_ = 0;
+    bool outOfStep_ = false;
 };
 
 // Control characters and bytes beyond ASCII become '?': q7cal prints ASCII,
-// and the JUnit and JSON writers then need no care for invalid text.
+// and the writers then need no care for invalid text.
 std::string Printable(std::string line)
 {
     if (!line.empty() && line.back() == '\r')
@@ -356,34 +679,14 @@ std::string Printable(std::string line)
 
 }  // namespace
 
-Transcript JudgeTranscript(std::istream &in, const std::string &source)
+UnitRecord JudgeTranscript(const std::vector<TimedLine> &lines, const Limits &limits)
 {
-    Transcript transcript;
-    transcript.source = source;
-    Reader reader(transcript);
-    for (std::string line; std::getline(in, line);)
-        reader.Read(Printable(line));
+    UnitRecord record;
+    Reader reader(record, limits);
+    for (const TimedLine &line : lines)
+        reader.Read(Printable(line.text), line.at);
     reader.Finish();
-    return transcript;
-}
-
-Totals CountCases(const std::vector<Transcript> &transcripts)
-{
-    Totals totals;
-    for (const Transcript &transcript : transcripts)
-        for (const Suite &suite : transcript.suites)
-            for (const TestCase &one : suite.cases) {
-                if (!suite.automatedRun) {
-                    totals.commands++;
-                    totals.commandsPassed += one.passed;
-                } else if (one.expectedError && one.passed) {
-                    totals.expectedErrors++;
-                } else {
-                    totals.checks++;
-                    totals.checksPassed += one.passed;
-                }
-            }
-    return totals;
+    return record;
 }
 
 }  // namespace q7report

@@ -1,47 +1,76 @@
-// q7cal-report's reader and writers. Whole transcripts and their summaries are
-// golden cases under golden/report/; here: how a command ends, a run cut off,
-// and the JUnit and JSON files parsed back.
+// q7cal-report's reader, value lines, limits and writers. Whole transcripts
+// and their verdicts are golden cases under golden/report/; the files a line
+// keeps (JUnit by the strict schema and junitparser, JSON, the HTML page in
+// Chromium) are checked by report_files_test.sh. Here: what a transcript
+// alone cannot pin down.
 //
-// The failing-run transcripts were recorded once from the program (instant
-// sleep) with the simulated device's faults set before the session:
-//   stuck_led.in    StickGpioPin(11, 0): the LED write 1 test fails
-//   faulty_unit.in  FailNext("Q7_SetTxOutputPower", 1), FailNext("Q7_CalibrateFESteps", 1),
-//                   FailCall("Q7_SetGPIOConfiguration", 2): an error glued to its
-//                   announcement, an error in a section without verdicts, and the
-//                   GPIO writes that should have been refused going through
-//   incomplete_run.in  answers "9 2 <Enter>": input ends at the second pause
+// The recorded transcripts of golden/report/ come from the program with
+// instant sleeps; the failing ones with the simulated device's faults set
+// before the session, or a session that breaks the unit:
+//   stuck_led.in        StickGpioPin(11, 0): the LED write 1 test fails
+//   faulty_unit.in      FailNext("Q7_SetTxOutputPower", 1), FailNext("Q7_CalibrateFESteps", 1),
+//                       FailCall("Q7_SetGPIOConfiguration", 2): an error glued to its
+//                       announcement, an error in a section without verdicts, and the
+//                       GPIO writes that should have been refused going through
+//   incomplete_run.in   answers "9 2 <Enter>": input ends at the second pause
+//   corrupted_store.in  byte writes without restore at 0x100 (RF block) and 0x700
+//                       (CAL block), then the automated run
+//   hot_unit.in         the die temperature forced to 133 C when it is read
+//   out_of_step.in      the automated run's answers with a stray "5" after them
 #include <gtest/gtest.h>
 #include <tinyxml2.h>
 
+#include <cmath>
 #include <fstream>
 #include <nlohmann/json.hpp>
 #include <sstream>
 #include <string>
 
+#include "measurement_limits.h"
 #include "report_writers.h"
+#include "result_lines.h"
 #include "transcript.h"
 
 namespace {
 
-using q7report::JudgeTranscript;
-using q7report::Transcript;
+using q7report::Check;
+using q7report::ResultLine;
+using q7report::UnitRecord;
 
 const char kSessionStart[] =
     "\nTrying to open handle to Device...Success!!\n\n\n"
     "******** Cal API Main Menu ********\n\nENTER OPTION : \n\n"
     "******** DSD Read/Write Commands ********\n\nENTER OPTION : \n";
 
-Transcript Judge(const std::string &text)
+std::vector<q7report::TimedLine> Lines(const std::string &text)
 {
+    std::vector<q7report::TimedLine> lines;
     std::istringstream in(text);
-    return JudgeTranscript(in, q7report::kStandardInput);
+    for (std::string line; std::getline(in, line);)
+        lines.push_back({line, 0});
+    return lines;
 }
 
-Transcript JudgeGolden(const std::string &name)
+UnitRecord Judge(const std::string &text, const q7report::Limits &limits = q7report::Limits::Default())
+{
+    return q7report::JudgeTranscript(Lines(text), limits);
+}
+
+std::string Golden(const std::string &name)
 {
     std::ifstream in(std::string(Q7_GOLDEN_DIR) + "/report/" + name + ".in");
     EXPECT_TRUE(in) << name;
-    return JudgeTranscript(in, q7report::kStandardInput);
+    std::ostringstream text;
+    text << in.rdbuf();
+    return text.str();
+}
+
+const Check *Find(const UnitRecord &record, const std::string &name)
+{
+    for (const Check &check : record.checks)
+        if (check.name == name)
+            return &check;
+    return nullptr;
 }
 
 TEST(ReportTest, ACommandPassesOnlyWithItsGoodEndingAndNothingAmiss)
@@ -64,92 +93,276 @@ TEST(ReportTest, ACommandPassesOnlyWithItsGoodEndingAndNothingAmiss)
         {"Read DSD Bytes:\n    Address ? ", false, "the transcript ends inside the command"},
     };
     for (const Case &one : cases) {
-        std::string text = kSessionStart + one.output;
-        Transcript judged = Judge(text);
-        ASSERT_EQ(judged.suites.size(), 1u) << one.output;
-        ASSERT_EQ(judged.suites[0].cases.size(), 1u) << one.output;
-        const q7report::TestCase &command = judged.suites[0].cases[0];
+        UnitRecord judged = Judge(kSessionStart + one.output);
+        ASSERT_EQ(judged.checks.size(), 2u) << one.output;  // the command, and the answers in step
+        const Check &command = judged.checks[0];
+        EXPECT_TRUE(command.isCommand);
         EXPECT_EQ(command.passed, one.passed) << one.output;
         EXPECT_EQ(command.message, one.message) << one.output;
-        EXPECT_EQ(command.group, "DSD Read/Write Commands");
+        EXPECT_EQ(command.classname, "commands.DSD Read/Write Commands");
+        EXPECT_EQ(judged.checks[1].name, "answers in step");
     }
 }
 
-TEST(ReportTest, ARunCutOffInsideFailsAsIncomplete)
+TEST(ReportTest, TheRunEndsJudgedByItsFinalPopAndTheLineAfterIt)
 {
-    Transcript judged = Judge(std::string(kSessionStart) +
-                              "Push[ 1] - set device mode: mode = 4 modulation = 1 CW Offset=1000 LoopbackTX=0 \n"
-                              "\n------------- Testing CONFIGURATION COMMAND GROUP\n"
-                              "Read:  Freq = 2500000 - BW = 10000 PASS\n");
-    ASSERT_EQ(judged.suites.size(), 1u);
-    const q7report::Suite &run = judged.suites[0];
-    ASSERT_EQ(run.cases.size(), 2u);
-    EXPECT_TRUE(run.cases[0].passed);
-    EXPECT_EQ(run.cases[0].group, "Configuration");
-    EXPECT_EQ(run.cases[1].name, "run complete");
-    EXPECT_FALSE(run.cases[1].passed);
-    EXPECT_EQ(run.cases[1].message, "the transcript ends inside the run");
+    std::string healthy = Golden("healthy_run");
+    const std::string pop = "Pop[ 0] - set device mode: mode = 0 modulation = 0 CW Offset=0 LoopbackTX=0 \n";
+    size_t at = healthy.find(pop);
+    ASSERT_NE(at, std::string::npos);
+    UnitRecord judged = Judge(healthy);
+    ASSERT_NE(Find(judged, "device mode restored"), nullptr);
+    EXPECT_TRUE(Find(judged, "device mode restored")->passed);
+    EXPECT_TRUE(judged.Passed());
+
+    // q7cal read the mode back and found the device elsewhere.
+    const std::string warning = "WARNING: The device mode is not restored: mode = 4 modulation = 1 CW Offset=1000 "
+                                "LoopbackTX=0\n";
+    UnitRecord warned = Judge(std::string(healthy).insert(at + pop.size(), "\n" + warning));
+    const Check *restored = Find(warned, "device mode restored");
+    ASSERT_NE(restored, nullptr);
+    EXPECT_FALSE(restored->passed);
+    EXPECT_EQ(restored->message + "\n", warning);
+    EXPECT_FALSE(warned.Passed());
+    EXPECT_EQ(warned.checks.size(), judged.checks.size());  // the transcript's next lines are read as before
+
+    // A pop that did not set the base record fails by itself.
+    std::string wrongPop = healthy;
+    wrongPop.replace(at, pop.size(), "Pop[ 0] - set device mode: mode = 4 modulation = 0 CW Offset=0 LoopbackTX=0 \n");
+    EXPECT_FALSE(Find(Judge(wrongPop), "device mode restored")->passed);
+
+    // Cut off inside: incomplete, and no verdict on the mode.
+    UnitRecord cut = Judge(healthy.substr(0, healthy.find("------------- Testing TX COMMAND GROUP")));
+    const Check *complete = Find(cut, "run complete");
+    ASSERT_NE(complete, nullptr);
+    EXPECT_FALSE(complete->passed);
+    EXPECT_EQ(complete->message, "the transcript ends inside the run");
+    EXPECT_EQ(Find(cut, "device mode restored"), nullptr);
 }
 
-TEST(ReportTest, TheJunitFileNamesEveryCheckAndTheFailingOne)
+TEST(ReportTest, ResultLinesGiveTheirValuesUnitsAndNamesAndNothingElse)
 {
     struct Case {
-        const char *golden;
-        int tests;
-        int failures;
-        const char *failingClass;
-        const char *failingName;
-        const char *message;
+        const char *line;
+        ResultLine::Kind kind;
+        const char *label;
+        std::vector<double> values;
+        const char *unit;
+        const char *quantity;
     } cases[] = {
-        {"healthy_run", 22, 0, "", "", ""},
-        {"stuck_led", 22, 1, "automated.Other commands", "ReadGPIOState, SetGPIOConfiguration, and SetGPIOPinState #2",
-         "GPIO LED write 1 test: FAIL"},
-        {"interactive_session", 13, 5, "commands.Configuration Commands", "ConnectDevice #1",
-         "ERROR: Device already connected"},
+        {"    Rx1 RSSI              =  -59.67 dBm", ResultLine::kValue, "Rx1 RSSI", {-59.67}, "dBm", "Rx1 RSSI"},
+        {"    Rx1 ADC clip count    = 3 (0.01 %)", ResultLine::kValue, "Rx1 ADC clip count", {3}, "", "Rx1 ADC clip count"},
+        {"    Frequency offset (PPM) = 0.429", ResultLine::kValue, "Frequency offset (PPM)", {0.429}, "PPM",
+         "Frequency offset (PPM)"},
+        {"     GP ADC mux setting (0-3) ?      Value = 518", ResultLine::kValue, "Value", {518}, "", "Value"},
+        {"PGA gain correction =   0.22  -0.10 dB", ResultLine::kValue, "PGA gain correction", {0.22, -0.10}, "dB",
+         "PGA gain correction"},
+        {"Tx Ext Attn Step[ 3] =  5.95 dB", ResultLine::kListEntry, "Tx Ext Attn Step", {5.95}, "dB", "Tx Ext Attn Step"},
+        {"LCTrimArray[11] = 42", ResultLine::kListEntry, "LCTrimArray", {42}, "", "LCTrimArray"},
+        {"  16:   12.3    9.8", ResultLine::kSpectrumRow, "Rx spectrum", {12.3, 9.8}, "dB", "Rx spectrum"},
+        {"Setting poer to +10 dBm ...Read  10 dBm  PASS", ResultLine::kValue, "Tx output power read back at +10 dBm",
+         {10}, "dBm", "Tx output power"},
+        {"Testing Get GP ADC Value  00 101 200 1E", ResultLine::kValue, "GP ADC value", {0, 257, 512, 30}, "",
+         "GP ADC value"},
+        {"    Temperature = nan C", ResultLine::kValue, "Temperature", {NAN}, "C", "Temperature"},
+        // Codes, texts, several labels and prompts are no values.
+        {"          RF checksum = 632B", ResultLine::kNone, "", {}, "", ""},
+        {"    RFIC register data = 00007135", ResultLine::kNone, "", {}, "", ""},
+        {"    DUT Mode        = Normal (0)", ResultLine::kNone, "", {}, "", ""},
+        {"Read:  Freq = 2500000 - BW = 10000 PASS", ResultLine::kNone, "", {}, "", ""},
+        {"    Cal date    = 24/03/18", ResultLine::kNone, "", {}, "", ""},
+        {"    Offset = 0x10", ResultLine::kNone, "", {}, "", ""},
+        {"    Center frequency (kHz)  ? ", ResultLine::kNone, "", {}, "", ""},
+        {"Read back [2] = 17 - Expected [2] = 18 - Verify ERROR", ResultLine::kNone, "", {}, "", ""},
     };
     for (const Case &one : cases) {
-        tinyxml2::XMLDocument document;
-        ASSERT_EQ(document.Parse(q7report::JunitXml({JudgeGolden(one.golden)}).c_str()), tinyxml2::XML_SUCCESS);
-        const tinyxml2::XMLElement *all = document.FirstChildElement("testsuites");
-        ASSERT_NE(all, nullptr);
-        EXPECT_EQ(all->IntAttribute("tests"), one.tests) << one.golden;
-        EXPECT_EQ(all->IntAttribute("failures"), one.failures) << one.golden;
-        int cases = 0;
-        const tinyxml2::XMLElement *firstFailing = nullptr;
-        for (auto *suite = all->FirstChildElement("testsuite"); suite; suite = suite->NextSiblingElement("testsuite"))
-            for (auto *test = suite->FirstChildElement("testcase"); test; test = test->NextSiblingElement("testcase")) {
-                cases++;
-                if (firstFailing == nullptr && test->FirstChildElement("failure") != nullptr)
-                    firstFailing = test;
-            }
-        EXPECT_EQ(cases, one.tests) << one.golden;
-        if (one.failures == 0) {
-            EXPECT_EQ(firstFailing, nullptr) << one.golden;
-            continue;
-        }
-        ASSERT_NE(firstFailing, nullptr) << one.golden;
-        EXPECT_STREQ(firstFailing->Attribute("classname"), one.failingClass);
-        EXPECT_STREQ(firstFailing->Attribute("name"), one.failingName);
-        EXPECT_STREQ(firstFailing->FirstChildElement("failure")->Attribute("message"), one.message);
+        ResultLine parsed = q7report::ParseResultLine(one.line);
+        EXPECT_EQ(parsed.kind, one.kind) << one.line;
+        EXPECT_EQ(parsed.label, one.label) << one.line;
+        EXPECT_EQ(parsed.unit, one.unit) << one.line;
+        EXPECT_EQ(parsed.quantity, one.quantity) << one.line;
+        ASSERT_EQ(parsed.values.size(), one.values.size()) << one.line;
+        for (size_t i = 0; i < one.values.size(); i++)
+            if (std::isnan(one.values[i]))
+                EXPECT_TRUE(std::isnan(parsed.values[i])) << one.line;
+            else
+                EXPECT_DOUBLE_EQ(parsed.values[i], one.values[i]) << one.line;
     }
+    EXPECT_EQ(q7report::ParseResultLine("  16:   12.3    9.8").index, 16u);
+    EXPECT_EQ(q7report::ParseResultLine("LCTrimArray[11] = 42").index, 11u);
 }
 
-TEST(ReportTest, MarkupAndOddBytesInAnErrorTextReachBothFilesIntact)
+TEST(ReportTest, ValuesAreJudgedByTheirLimitsInclusiveAndInTheirUnit)
 {
-    Transcript judged = Judge(std::string(kSessionStart) +
-                              "Read DSD Bytes:\n\nERROR: <a> & \"b\" \x01\xff\n\n******** Tx Commands ********\n");
-    tinyxml2::XMLDocument document;
-    ASSERT_EQ(document.Parse(q7report::JunitXml({judged}).c_str()), tinyxml2::XML_SUCCESS);
-    const tinyxml2::XMLElement *failure =
-        document.FirstChildElement("testsuites")->FirstChildElement("testsuite")->FirstChildElement("testcase")
-            ->FirstChildElement("failure");
-    ASSERT_NE(failure, nullptr);
-    EXPECT_STREQ(failure->Attribute("message"), "ERROR: <a> & \"b\" ??");
+    std::string error;
+    std::optional<q7report::Limits> limits = q7report::Limits::Parse(
+        R"({"limits": {"Temperature": {"low": 30, "high": 45, "unit": "C"},
+                       "Tx Ext Attn Step": {"low": 0, "high": 40, "unit": "dB"}}})",
+        error);
+    ASSERT_TRUE(limits) << error;
+    struct Case {
+        const char *lines;
+        const char *message;  // "" when within limits
+    } cases[] = {
+        {"    Temperature = 45 C\n", ""},
+        {"    Temperature = 30 C\n", ""},
+        {"    Temperature = 46 C\n", "Temperature = 46 C is outside its limits 30 to 45 C"},
+        {"    Temperature = nan C\n", "Temperature = nan C is outside its limits 30 to 45 C"},
+        {"    Temperature = 33 F\n", "Temperature is in \"F\", its limits in \"C\""},
+        {"Tx Ext Attn Step[ 0] =  0.00 dB\nTx Ext Attn Step[ 1] = 41.00 dB\n\n",
+         "Tx Ext Attn Step[1] = 41 dB is outside its limits 0 to 40 dB"},
+    };
+    for (const Case &one : cases) {
+        UnitRecord judged = Judge(std::string(kSessionStart) + "GetTemperature:\n" + one.lines +
+                                      "\nGetTemperature was SUCCESSFUL.\n\n******** Tx Commands ********\n",
+                                  *limits);
+        ASSERT_EQ(judged.measurements.size(), 1u) << one.lines;
+        const Check &check = judged.checks.at(0);
+        EXPECT_EQ(check.message, one.message) << one.lines;
+        EXPECT_EQ(check.passed, *one.message == '\0') << one.lines;
+        EXPECT_EQ(judged.measurements[0].withinLimits, check.passed) << one.lines;
+        EXPECT_EQ(check.name, "GetTemperature: " + judged.measurements[0].name);
+    }
 
-    nlohmann::json record = nlohmann::json::parse(q7report::JsonRecord({judged}));
-    EXPECT_EQ(record["passed"], false);
-    EXPECT_EQ(record["commands"]["failed"], 1);
-    EXPECT_EQ(record["suites"][0]["cases"][0]["message"], "ERROR: <a> & \"b\" ??");
+    for (const char *wrong : {"[]", "{\"limits\": {\"T\": {\"low\": 1, \"unit\": \"C\"}}}",
+                              "{\"limits\": {\"T\": {\"low\": 2, \"high\": 1, \"unit\": \"C\"}}}", "{\"limits\": 3"})
+        EXPECT_FALSE(q7report::Limits::Parse(wrong, error)) << wrong;
+}
+
+TEST(ReportTest, TheUnitIsNamedAndEveryValueAndListRecordedOnce)
+{
+    UnitRecord judged = Judge(Golden("healthy_run"));
+    EXPECT_EQ(judged.Identity("mac_address"), "02:1A:C7:30:5E:81");
+    EXPECT_EQ(judged.Identity("cal_date"), "24/03/18");
+    EXPECT_EQ(judged.Identity("rf_chip_version"), "7135");
+    EXPECT_TRUE(judged.Simulated());
+    EXPECT_EQ(q7report::UnitName(judged, {}), "02:1A:C7:30:5E:81");
+    q7report::RunContext named;
+    named.unit = "SN1042";
+    EXPECT_EQ(q7report::UnitName(judged, named), "SN1042");
+
+    std::map<std::string, const q7report::Measurement *> byName;
+    for (const q7report::Measurement &measurement : judged.measurements)
+        EXPECT_TRUE(byName.emplace(measurement.name, &measurement).second) << measurement.name;
+    ASSERT_TRUE(byName.count("Rx spectrum") && byName.count("LCTrimArray") && byName.count("Tx Ext Attn Step"));
+    EXPECT_EQ(byName["Rx spectrum"]->values.size(), 1024u);
+    EXPECT_DOUBLE_EQ(byName["Rx spectrum"]->values[17], 12.3);
+    EXPECT_EQ(byName["LCTrimArray"]->values.size(), 12u);
+    EXPECT_EQ(byName["Tx Ext Attn Step"]->values.size(), 20u);
+    EXPECT_DOUBLE_EQ(byName["Rx spectrum peak"]->values[0], 52.6);
+    EXPECT_DOUBLE_EQ(byName["Temperature"]->values[0], 33);
+    EXPECT_EQ(byName["Temperature"]->classname, "automated.Other commands");
+    EXPECT_EQ(byName.count("CW Offset #7"), 1u);
+    // A hex dump is no spectrum, and a version no value.
+    EXPECT_EQ(byName.count("Rx spectrum #2"), 0u);
+    EXPECT_EQ(byName.count("PHY firmware version"), 0u);
+}
+
+TEST(ReportTest, TheJunitFileHasASuitePerUnitWithItsIdentityAndStableCaseNames)
+{
+    q7report::RunContext context;
+    context.hostname = "station-7";
+    context.station = "ST7";
+    context.reportVersion = "9.9";
+    UnitRecord healthy = Judge(Golden("healthy_run")), stuck = Judge(Golden("stuck_led"));
+    healthy.source = "a.log";
+    stuck.source = "b.log";
+    healthy.start = 86400 + 3661;
+    healthy.seconds = 2.5;
+    tinyxml2::XMLDocument document;
+    ASSERT_EQ(document.Parse(q7report::JunitXml({healthy, stuck}, context).c_str()), tinyxml2::XML_SUCCESS);
+    const tinyxml2::XMLElement *suite = document.FirstChildElement("testsuites")->FirstChildElement("testsuite");
+    ASSERT_NE(suite, nullptr);
+    EXPECT_STREQ(suite->Attribute("name"), "02:1A:C7:30:5E:81 (a.log)");
+    EXPECT_STREQ(suite->Attribute("timestamp"), "1970-01-02T01:01:01");
+    EXPECT_STREQ(suite->Attribute("hostname"), "station-7");
+    EXPECT_STREQ(suite->Attribute("time"), "2.500");
+    EXPECT_EQ(suite->IntAttribute("tests"), static_cast<int>(healthy.checks.size()));
+    EXPECT_EQ(suite->IntAttribute("failures"), 0);
+    std::map<std::string, std::string> properties;
+    for (auto *property = suite->FirstChildElement("properties")->FirstChildElement("property"); property;
+         property = property->NextSiblingElement("property"))
+        properties[property->Attribute("name")] = property->Attribute("value");
+    EXPECT_EQ(properties["mac_address"], "02:1A:C7:30:5E:81");
+    EXPECT_EQ(properties["simulated"], "yes");
+    EXPECT_EQ(properties["station"], "ST7");
+    EXPECT_EQ(properties["report_version"], "9.9");
+    EXPECT_NE(std::string(suite->FirstChildElement("system-out")->GetText()).find("GetMACAddress"), std::string::npos);
+
+    const tinyxml2::XMLElement *second = suite->NextSiblingElement("testsuite");
+    ASSERT_NE(second, nullptr);
+    EXPECT_STREQ(second->Attribute("name"), "02:1A:C7:30:5E:81 (b.log)");
+    EXPECT_EQ(second->IntAttribute("id"), 1);
+    EXPECT_EQ(second->IntAttribute("failures"), 1);
+    const tinyxml2::XMLElement *failing = nullptr;
+    for (auto *test = second->FirstChildElement("testcase"); test && !failing; test = test->NextSiblingElement("testcase"))
+        if (test->FirstChildElement("failure") != nullptr)
+            failing = test;
+    ASSERT_NE(failing, nullptr);
+    EXPECT_STREQ(failing->Attribute("classname"), "automated.Other commands");
+    EXPECT_STREQ(failing->Attribute("name"), "ReadGPIOState, SetGPIOConfiguration, and SetGPIOPinState: LED write 1");
+    const tinyxml2::XMLElement *failure = failing->FirstChildElement("failure");
+    EXPECT_STREQ(failure->Attribute("message"), "GPIO LED write 1 test: FAIL");
+    EXPECT_STREQ(failure->Attribute("type"), "FAIL");
+    EXPECT_NE(std::string(failure->GetText()).find("Setting GPIO 12 to 1"), std::string::npos);
+    EXPECT_NE(std::string(second->FirstChildElement("system-err")->GetText()).find("LED write 1"), std::string::npos);
+}
+
+TEST(ReportTest, TheJsonRecordNamesTheUnitItsChecksAndItsMeasurements)
+{
+    q7report::RunContext context;
+    context.unit = "SN1042";
+    context.operatorName = "Ada";
+    context.reportVersion = "9.9";
+    UnitRecord judged = Judge(Golden("hot_unit"));
+    nlohmann::json document = nlohmann::json::parse(q7report::JsonDocument({judged}, context));
+    EXPECT_EQ(document["schema_version"], q7report::kJsonSchemaVersion);
+    EXPECT_EQ(document["report_version"], "9.9");
+    EXPECT_EQ(document["verdict"], "FAIL");
+    const nlohmann::json &unit = document["units"][0];
+    EXPECT_EQ(unit["unit"]["id"], "SN1042");
+    EXPECT_EQ(unit["unit"]["simulated"], true);
+    EXPECT_EQ(unit["unit"]["identity"]["mac_address"], "02:1A:C7:30:5E:81");
+    EXPECT_EQ(unit["context"]["operator"], "Ada");
+    EXPECT_TRUE(unit["context"]["station"].is_null());
+    EXPECT_EQ(unit["verdict"], "FAIL");
+    EXPECT_EQ(unit["checks"].size(), judged.checks.size());
+    bool hot = false;
+    for (const nlohmann::json &measurement : unit["measurements"]) {
+        if (measurement["name"] == "Rx spectrum") {
+            EXPECT_EQ(measurement["values"].size(), 1024u);
+        }
+        if (measurement["name"] != "Temperature")
+            continue;
+        hot = true;
+        EXPECT_EQ(measurement["value"], 133);
+        EXPECT_EQ(measurement["unit"], "C");
+        EXPECT_EQ(measurement["high"], 45);
+        EXPECT_EQ(measurement["result"], "FAIL");
+    }
+    EXPECT_TRUE(hot);
+}
+
+TEST(ReportTest, MarkupAndOddBytesInAnErrorTextReachEveryFileIntact)
+{
+    UnitRecord judged = Judge(std::string(kSessionStart) +
+                              "Read DSD Bytes:\n\nERROR: <a> & \"b\" </script> \x01\xff\n\n******** Tx Commands ********\n");
+    tinyxml2::XMLDocument document;
+    ASSERT_EQ(document.Parse(q7report::JunitXml({judged}, {}).c_str()), tinyxml2::XML_SUCCESS);
+    const tinyxml2::XMLElement *failure = document.FirstChildElement("testsuites")
+                                              ->FirstChildElement("testsuite")
+                                              ->FirstChildElement("testcase")
+                                              ->FirstChildElement("failure");
+    ASSERT_NE(failure, nullptr);
+    EXPECT_STREQ(failure->Attribute("message"), "ERROR: <a> & \"b\" </script> ??");
+
+    nlohmann::json record = nlohmann::json::parse(q7report::JsonDocument({judged}, {}));
+    EXPECT_EQ(record["units"][0]["checks"][0]["message"], "ERROR: <a> & \"b\" </script> ??");
+
+    std::string page = q7report::HtmlPage({judged}, {}, "", "");
+    EXPECT_EQ(page.find("<a>"), std::string::npos);
+    EXPECT_EQ(page.find("</script> ??"), std::string::npos);
+    EXPECT_NE(page.find("ERROR: &lt;a&gt; &amp; &quot;b&quot; &lt;/script&gt; ??"), std::string::npos);
 }
 
 }  // namespace

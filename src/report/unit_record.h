@@ -1,0 +1,123 @@
+// What q7cal-report keeps of one unit's session: the checks it judged, the
+// values the unit printed, who the unit is and when it ran. Every writer
+// (summary, JUnit, JSON, HTML page) reads this record and nothing else.
+#ifndef Q7REPORT_UNIT_RECORD_H
+#define Q7REPORT_UNIT_RECORD_H
+
+#include <cstddef>
+#include <ctime>
+#include <optional>
+#include <string>
+#include <utility>
+#include <vector>
+
+namespace q7report {
+
+// A measured quantity's limits, both inclusive, in `unit`.
+struct Limit {
+    double low = 0;
+    double high = 0;
+    std::string unit;
+};
+
+// One judged item: a PASS or FAIL of an automated run, a state the unit
+// showed, a value against its limits, an interactive command, or the run as
+// a whole (complete, answers in step).
+struct Check {
+    std::string classname;  // "automated.Tx", "commands.Tx Commands", "session"
+    std::string name;       // stable from unit to unit: "GetTxOutputPower and SetTxOutputPower: +20 dBm"
+    bool passed = true;
+    bool isCommand = false;      // an interactive command, judged by how it ended
+    bool expectedError = false;  // an error that the run announced, refused as it should be
+    std::string type;            // why it failed: "FAIL", "ERROR", "NOT VALID", "outside limits", ...
+    std::string message;         // the deciding text
+    std::string evidence;        // the transcript lines it was judged on
+    size_t line = 0;             // the transcript line that decided it
+    double at = 0;               // seconds from the transcript's first line to that line
+    double seconds = 0;          // the time it took: since the check before it
+};
+
+// A value the unit printed ("Rx1 RSSI = -59.67 dBm"), or a list of them (the
+// Rx spectrum, a calibration table).
+struct Measurement {
+    std::string name;       // unique in the record: "Rx1 RSSI", a second one "Rx1 RSSI #2"
+    std::string quantity;   // what its limits are looked up by: "Rx1 RSSI"
+    std::string classname;  // where it was printed, as for checks
+    std::string command;    // the command or section that printed it
+    std::vector<double> values;
+    bool isArray = false;
+    std::string unit;
+    size_t line = 0;  // the transcript line of its (first) value
+    std::optional<Limit> limit;
+    bool withinLimits = true;
+};
+
+// The unit's identity as its transcript shows it, by the label q7cal prints.
+struct IdentityField {
+    const char *label;  // "MAC address"
+    const char *key;    // "mac_address": the JSON member and JUnit property
+};
+inline constexpr IdentityField kIdentityFields[] = {
+    {"MAC address", "mac_address"},
+    {"Cal flag", "cal_flag"},
+    {"Vendor ID", "vendor_id"},
+    {"Cal date", "cal_date"},
+    {"Cal time", "cal_time"},
+    {"SW Version", "cal_sw_version"},
+    {"PHY firmware version", "phy_firmware_version"},
+    {"MAC firmware version", "mac_firmware_version"},
+    {"Driver version", "driver_version"},
+    {"Halvix Cal API library version", "cal_api_library_version"},
+    {"Local Cal API library version", "local_cal_api_library_version"},
+    {"Baseband chip version", "baseband_chip_version"},
+    {"RF chip version", "rf_chip_version"},
+};
+inline constexpr size_t kIdentityFieldCount = sizeof kIdentityFields / sizeof kIdentityFields[0];
+
+struct Totals {
+    size_t checks = 0;  // every check but the expected errors seen
+    size_t checksPassed = 0;
+    size_t expectedErrors = 0;  // expected errors seen where the run announced them
+    size_t commands = 0;        // interactive commands, judged by how they ended
+    size_t commandsPassed = 0;
+};
+
+// The source name of a transcript read from standard input.
+inline constexpr char kStandardInput[] = "standard input";
+
+struct UnitRecord {
+    std::string source;      // the file name, or kStandardInput
+    bool isSession = false;  // false: not a q7cal transcript at all
+    bool scripted = true;    // answers came from a script: no typed answer shows after a prompt
+    bool timed = false;      // read from a live pipe: lines carry when they arrived
+    std::time_t start = 0;   // the first line's arrival, or the file's last write
+    double seconds = 0;      // from the first line to the last
+    std::string identity[kIdentityFieldCount];  // "" where the transcript does not show it
+    std::vector<Check> checks;
+    std::vector<Measurement> measurements;
+    std::string transcript;  // as read, with unprintable bytes as '?'
+
+    const std::string &Identity(const char *key) const;
+    bool Simulated() const;  // the simulated device names itself in its driver version
+    Totals Count() const;
+    bool Passed() const;  // something was judged, and all of it passed
+};
+
+// What the command line and the host add to every unit's record.
+struct RunContext {
+    std::string unit;      // --unit: the unit's own ID (serial number), "" when not given
+    std::string station;   // --station
+    std::string operatorName;  // --operator
+    std::string hostname;
+    std::string reportVersion;
+};
+
+// The unit's name in one word: its ID, else its MAC address, else "unknown".
+std::string UnitName(const UnitRecord &record, const RunContext &context);
+
+// "2026-11-24T09:41:07": UTC, as JUnit writes it (no zone).
+std::string IsoTime(std::time_t time);
+
+}  // namespace q7report
+
+#endif

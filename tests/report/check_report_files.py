@@ -1,0 +1,79 @@
+"""Reads q7cal-report's files for two units (a healthy one, then one with a
+corrupted store) as a production line's tools would: the JUnit file with
+Debian's junitparser, the JSON records, and the page's DOM as Chromium left
+it after running its scripts.
+Usage: check_report_files.py UNITS.xml UNITS.json DOM.html"""
+import json
+import sys
+from html.parser import HTMLParser
+
+import junitparser
+
+junit_file, json_file, dom_file = sys.argv[1:4]
+
+# JUnit: a suite per unit, with its identity and the failing checks named.
+suites = list(junitparser.JUnitXml.fromfile(junit_file))
+assert len(suites) == 2, [suite.name for suite in suites]
+healthy, corrupted = suites
+assert healthy.name != corrupted.name
+assert healthy.failures == 0 and healthy.tests == len(list(healthy)) > 50, (healthy.failures, healthy.tests)
+properties = {p.name: p.value for p in healthy.properties()}
+assert properties["mac_address"] == "02:1A:C7:30:5E:81", properties
+assert properties["simulated"] == "yes" and properties["station"] == "ST7" and properties["operator"] == "Ada L"
+failed = {case.name: case.result[0] for case in corrupted if not case.is_passed}
+assert set(failed) == {"DSD Management Commands: DSD checksum", "DSD Management Commands: RF checksum",
+                       "DSD Management Commands: CAL checksum", "DSD Management Commands: Calibration state"}, failed
+assert failed["DSD Management Commands: RF checksum"].message == "RF checksum is NOT VALID"
+assert corrupted.failures == 4
+
+# JSON: each unit named, simulated, its verdict, checks and measurements.
+document = json.load(open(json_file))
+assert document["schema_version"] == 1 and document["verdict"] == "FAIL"
+units = document["units"]
+assert [unit["verdict"] for unit in units] == ["PASS", "FAIL"]
+for unit in units:
+    assert unit["unit"]["identity"]["mac_address"] == "02:1A:C7:30:5E:81" and unit["unit"]["simulated"] is True
+    assert unit["context"]["station"] == "ST7" and unit["context"]["operator"] == "Ada L"
+arrays = sum(1 for unit in units for m in unit["measurements"] if "values" in m)
+
+
+# The page: the verdict, and a drawn plot (a canvas) for every list of values.
+class Page(HTMLParser):
+    def __init__(self):
+        super().__init__()
+        self.depth = 0
+        self.verdict = None
+        self.in_verdict = False
+        self.graph_depth = None
+        self.graphs = []
+
+    def handle_starttag(self, tag, attrs):
+        attrs = dict(attrs)
+        if tag not in ("meta", "br", "link", "img", "input"):
+            self.depth += 1
+        if attrs.get("id") == "verdict":
+            self.in_verdict = True
+        if "graph" in (attrs.get("class") or "").split():
+            self.graph_depth = self.depth
+            self.graphs.append(0)
+        if tag == "canvas" and self.graph_depth is not None:
+            self.graphs[-1] += 1
+
+    def handle_endtag(self, tag):
+        if tag not in ("meta", "br", "link", "img", "input"):
+            if self.graph_depth == self.depth:
+                self.graph_depth = None
+            self.depth -= 1
+        self.in_verdict = False
+
+    def handle_data(self, data):
+        if self.in_verdict and data.strip():
+            self.verdict = data.strip()
+
+
+page = Page()
+page.feed(open(dom_file).read())
+assert page.verdict == "FAIL", page.verdict
+assert len(page.graphs) == arrays, (len(page.graphs), arrays)
+assert all(canvases > 0 for canvases in page.graphs), page.graphs
+print("junit, json and page: %d suites, %d units, %d plots drawn" % (len(suites), len(units), len(page.graphs)))
