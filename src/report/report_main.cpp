@@ -75,9 +75,12 @@ struct Options {
     std::vector<std::string> transcripts;
 };
 
+// `what` empty: getopt_long has said what is wrong.
 int WrongCommandLine(const std::string &what)
 {
-    std::fprintf(stderr, "q7cal-report: %s\nTry 'q7cal-report --help' for more information.\n", what.c_str());
+    if (!what.empty())
+        std::fprintf(stderr, "q7cal-report: %s\n", what.c_str());
+    std::fputs("Try 'q7cal-report --help' for more information.\n", stderr);
     return kTrouble;
 }
 
@@ -198,7 +201,7 @@ int main(int argc, char *argv[])
         case kJunit: options.junitFile = optarg; break;
         case kJson: options.jsonFile = optarg; break;
         case kHtml: options.htmlFile = optarg; break;
-        default: return WrongCommandLine("wrong command line");  // getopt_long has said what is wrong
+        default: return WrongCommandLine("");
         }
     }
     for (int i = optind; i < argc; i++)
