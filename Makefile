@@ -1,5 +1,7 @@
 # q7cal: `make run` builds and starts the program against the simulated device;
 # `make test` builds the sanitized test configuration and runs every test.
+# Each target first installs what it needs from Debian's packages when run as
+# root, or says what is missing (scripts/check-tools.sh).
 # `make install` (PREFIX, DESTDIR), `make deb` (the Debian package, in build/)
 # and `make bench` (start-up, write, automated-run and sleep figures) use the
 # Release build. `make fuzz-ci` fuzzes whole sessions for a minute; `make
@@ -20,8 +22,12 @@ FUZZ_SECONDS := 60
 all: build
 
 # Build chatter goes to stderr, so that stdout carries only the program's
-# own output when a script pipes answers through `make run`.
-run: build
+# own output when a script pipes answers through `make run`. Only the
+# program and the simulated device are built: q7cal-report needs more.
+run:
+	@scripts/check-tools.sh --run >&2
+	@cmake -S . -B $(BUILD_DIR) -DCMAKE_BUILD_TYPE=Release >&2
+	@cmake --build $(BUILD_DIR) -j $(JOBS) --target q7cal >&2
 	@./$(BUILD_DIR)/q7cal
 
 build: check-tools

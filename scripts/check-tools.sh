@@ -1,33 +1,34 @@
 #!/usr/bin/env bash
-# Says plainly which tools are missing: the build tools, with --test also
-# the test tools (GoogleTest, and the real readers of q7cal-report's files:
-# xmllint, Debian's junitparser, Chromium and dygraphs), or with --fuzz the
-# fuzzer's (clang with libFuzzer), with --memcheck valgrind, with --deb the
-# packaging tools (dpkg-shlibdeps, lintian), with --bench the reference tool
-# and GNU time, with --cross the MIPS cross compiler and qemu-user (make
-# cross-test). With --install, installs the missing build, fuzzer and
-# packaging tools, or with --cross the cross tools, from Debian's packages
-# first (needs root).
+# What each make target needs from Debian's packages, checked before it runs.
+# A missing package is installed when this runs as root (one line says which);
+# otherwise the line that installs it is printed and the target stops.
+#
+#   check-tools.sh [--run | --test | --fuzz | --deb | --bench | --cross | --memcheck]
+#       the tools of one target; none: plain make's (the program, the simulated
+#       device and q7cal-report)
+#   check-tools.sh --install           CI: everything make test, make fuzz-ci and
+#                                      make deb need, installed at once
+#   check-tools.sh --cross --install   CI: the MIPS cross compiler and qemu-user
 set -u
 
-install=0
 want=build
+everything=0
+rechecked=0
 for arg in "$@"; do
   case $arg in
-    --install) install=1 ;;
+    --install) everything=1 ;;
+    --rechecked) rechecked=1 ;;  # after an installation: check, never install again
+    --run) want=run ;;
     --test) want=test ;;
     --fuzz) want=fuzz ;;
-    --memcheck) want=memcheck ;;
     --deb) want=deb ;;
     --bench) want=bench ;;
     --cross) want=cross ;;
+    --memcheck) want=memcheck ;;
+    *) echo "check-tools.sh: unknown argument '$arg'" >&2; exit 2 ;;
   esac
 done
-# After installing, check again: the build tools, the fuzzer's and the
-# packaging tools (or the cross tools).
-recheck() {
-  if [ $want = cross ]; then "$0" --cross; else "$0" --test && "$0" --fuzz && "$0" --deb; fi
-}
+[ $everything -eq 1 ] && [ $want = build ] && want=all
 
 # clang compiles and links a libFuzzer target.
 fuzzer_links() {
@@ -42,59 +43,81 @@ fuzzer_links() {
 }
 
 missing=()
-if [ $want = build ] || [ $want = test ] || { [ $install -eq 1 ] && [ $want != cross ]; }; then
-  command -v cmake >/dev/null 2>&1 || missing+=(cmake)
-  command -v g++ >/dev/null 2>&1 || missing+=(g++)
-  command -v make >/dev/null 2>&1 || missing+=(make)
-  # q7cal-report's JUnit and JSON writers.
-  [ -f /usr/include/tinyxml2.h ] || missing+=(libtinyxml2-dev)
-  [ -f /usr/include/nlohmann/json.hpp ] || missing+=(nlohmann-json3-dev)
-fi
-if [ $want = test ] || { [ $install -eq 1 ] && [ $want != cross ]; }; then
-  [ -f /usr/include/gtest/gtest.h ] || missing+=(libgtest-dev)
-  # What reads q7cal-report's files in the tests, as a production line would;
-  # dygraphs also draws the page's plots.
-  [ -f /usr/share/javascript/dygraphs/dygraph.min.js ] || missing+=(libjs-dygraphs)
-  command -v xmllint >/dev/null 2>&1 || missing+=(libxml2-utils)
-  /usr/bin/python3 -c 'import junitparser' >/dev/null 2>&1 || missing+=(python3-junitparser)
-  command -v chromium >/dev/null 2>&1 || missing+=(chromium)
-fi
-if [ $want = deb ] || { [ $install -eq 1 ] && [ $want != cross ]; }; then
-  command -v dpkg-shlibdeps >/dev/null 2>&1 || missing+=(dpkg-dev)
-  command -v lintian >/dev/null 2>&1 || missing+=(lintian)
-fi
-if [ $want = bench ]; then
-  command -v i2cget >/dev/null 2>&1 || missing+=(i2c-tools)
-  [ -x /usr/bin/time ] || missing+=(time)
-fi
-if [ $want = fuzz ] || { [ $install -eq 1 ] && [ $want != cross ]; }; then
+has() { command -v "$1" >/dev/null 2>&1; }
+need() {  # PACKAGE CHECK...: the package unless the check passes
+  local package=$1
+  shift
+  "$@" >/dev/null 2>&1 || missing+=("$package")
+}
+
+# The program and the simulated device.
+run_tools() {
+  need cmake has cmake
+  need g++ has g++
+  need make has make
+}
+# Plain make: also q7cal-report, whose JUnit and JSON writers these are.
+build_tools() {
+  run_tools
+  need libtinyxml2-dev test -f /usr/include/tinyxml2.h
+  need nlohmann-json3-dev test -f /usr/include/nlohmann/json.hpp
+}
+# make test: GoogleTest, and the real readers of q7cal-report's files
+# (dygraphs also draws the page's plots).
+test_tools() {
+  build_tools
+  need libgtest-dev test -f /usr/include/gtest/gtest.h
+  need libjs-dygraphs test -f /usr/share/javascript/dygraphs/dygraph.min.js
+  need libxml2-utils has xmllint
+  need python3-junitparser /usr/bin/python3 -c 'import junitparser'
+  need chromium has chromium
+}
+fuzz_tools() {
   fuzzer_links || missing+=(clang libclang-rt-dev)
-fi
-if [ $want = cross ]; then
-  # GoogleTest is built for the target from its sources (package googletest).
-  command -v cmake >/dev/null 2>&1 || missing+=(cmake)
-  command -v make >/dev/null 2>&1 || missing+=(make)
-  command -v mips-linux-gnu-g++ >/dev/null 2>&1 || missing+=(g++-mips-linux-gnu)
-  command -v qemu-mips >/dev/null 2>&1 || missing+=(qemu-user)
-  [ -f /usr/src/googletest/CMakeLists.txt ] || missing+=(googletest)
-fi
-if [ $want = memcheck ]; then
-  command -v valgrind >/dev/null 2>&1 || missing+=(valgrind)
-fi
+}
+deb_tools() {
+  need dpkg-dev has dpkg-shlibdeps
+  need lintian has lintian
+}
+case $want in
+  run) run_tools ;;
+  build) build_tools ;;
+  test) test_tools ;;
+  fuzz) fuzz_tools ;;
+  deb) deb_tools ;;
+  all) test_tools; fuzz_tools; deb_tools ;;
+  bench)
+    need i2c-tools has i2cget
+    need time test -x /usr/bin/time ;;
+  memcheck) need valgrind has valgrind ;;
+  cross)
+    # GoogleTest is built for the target from its sources (package googletest).
+    need cmake has cmake
+    need make has make
+    need g++-mips-linux-gnu has mips-linux-gnu-g++
+    need qemu-user has qemu-mips
+    need googletest test -f /usr/src/googletest/CMakeLists.txt ;;
+esac
+[ ${#missing[@]} -eq 0 ] && exit 0
 
-if [ ${#missing[@]} -gt 0 ] && [ $install -eq 1 ]; then
-  echo "Installing missing tools: ${missing[*]}"
-  apt-get update -qq && DEBIAN_FRONTEND=noninteractive apt-get install -y -qq "${missing[@]}" && recheck
-  exit $?
+case $want in
+  build | run) what="q7cal cannot be built" ;;
+  cross) what="make cross-test" ;;
+  all) what="CI" ;;
+  *) what="make $want" ;;
+esac
+if [ $rechecked -eq 0 ] && [ "$(id -u)" -eq 0 ] && has apt-get; then
+  echo "$what: installing from Debian's packages: ${missing[*]}"
+  log=$(mktemp)
+  if ! { apt-get update -qq && DEBIAN_FRONTEND=noninteractive apt-get install -y -qq "${missing[@]}"; } >"$log" 2>&1; then
+    tail -n 20 "$log"
+    rm -f "$log"
+    echo "$what: the installation failed"
+    exit 1
+  fi
+  rm -f "$log"
+  exec "$0" --rechecked "$@"  # each package must have brought what it stands for
 fi
-
-if [ ${#missing[@]} -gt 0 ]; then
-  case $want in
-    build) echo "q7cal cannot be built: missing ${missing[*]}." ;;
-    test) echo "make test needs: ${missing[*]}." ;;
-    cross) echo "make cross-test needs: ${missing[*]}." ;;
-    *) echo "make $want needs: ${missing[*]}." ;;
-  esac
-  echo "Install with: apt-get install -y ${missing[*]}"
-  exit 1
-fi
+echo "$what: missing ${missing[*]}."
+echo "Install with: sudo apt-get install -y ${missing[*]}"
+exit 1
