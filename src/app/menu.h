@@ -1,10 +1,25 @@
 /*
  * The two-level menu over the static table MenuEntry.
  *
- * Adding a command: write its handler (src/commands/ or the folder of its
- * subsystem) and declare it in src/commands/commands.h; add its row to
- * MenuEntry in menu_table.cpp, in its group, in menu order; add a handler test
- * and extend the group's golden transcript. The table test checks the rows.
+ * Adding a command, in this order:
+ *  1. The handler, in its group's source: src/commands/ (one source per menu
+ *     group), src/dsd/ or src/diagnostics/. It reads as prompt, prompt, call,
+ *     result lines, with the steps of src/util/command_steps.h (BeginCommand,
+ *     the Read* prompt readers of console.h, ReportError / ReportSuccess /
+ *     ReportOutcome) and returns 0 or -1.
+ *  2. Its declaration in src/commands/commands.h (or its folder's header).
+ *  3. Its row in MenuEntry (menu_table.cpp), in its group, in menu order. The
+ *     menu test checks the table; the prompt walk and the fault matrix
+ *     (tests/hardening/) take the new row by themselves.
+ *  4. A row in tests/unit/handlers_test.cpp for what a transcript cannot show
+ *     (an unknown value from the device, a capped list, the values typed
+ *     reaching the device).
+ *  5. Its lines in the group's golden transcript, tests/golden/cases/: add its
+ *     answers to NAME.in, record with
+ *       tests/golden/run_transcript.sh --record build-test/q7cal tests/golden/cases/NAME
+ *     and check every line against the texts the command must print.
+ *  6. The group's entry in man/q7cal.1 (MENU GROUPS), and the README's group
+ *     list where the group has one.
  */
 #ifndef Q7_MENU_H
 #define Q7_MENU_H
