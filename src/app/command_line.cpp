@@ -1,5 +1,7 @@
 #include "command_line.h"
 
+#include <errno.h>
+#include <getopt.h>
 #include <stdio.h>
 #include <string.h>
 
@@ -27,30 +29,49 @@ static const char sHelpText[] =
     "         second SIGINT ends the program at once\n"
     "See q7cal(1) for the menu groups and the rules for scripts.\n";
 
-static bool IsOption(const char *sArgument, const char *sShort, const char *sLong)
+/* Prints the text; 0, or 4 after a line on stderr when standard output
+ * could not take it. */
+static int PrintAndFlush(const char *sText)
 {
-    return strcmp(sArgument, sShort) == 0 || strcmp(sArgument, sLong) == 0;
+    fputs(sText, stdout);
+    if (fflush(stdout) == 0 && !ferror(stdout))
+        return 0;
+    fprintf(stderr, "q7cal: write error on standard output: %s\n", strerror(errno));
+    return 4;
+}
+
+static int WrongArgument(const char *sWhat, const char *sArgument)
+{
+    fprintf(stderr, "q7cal: %s '%s'; try 'q7cal --help'\n", sWhat, sArgument);
+    return 2;
 }
 
 int HandleCommandLine(int argc, char *argv[])
 {
-    if (argc <= 1)
+    static const struct option astOptions[] = {
+        {"help", no_argument, NULL, 'h'}, {"version", no_argument, NULL, 'V'}, {NULL, 0, NULL, 0}};
+    char sVersion[64];
+    char sUnknown[3] = {'-', '\0', '\0'};
+
+    opterr = 0; /* the wrong argument is named below, in the program's own words */
+    optind = 1;
+    int iOption = getopt_long(argc, argv, "hV", astOptions, NULL);
+    switch (iOption) {
+    case 'h':
+        return PrintAndFlush(sHelpText);
+    case 'V':
+        snprintf(sVersion, sizeof sVersion, "q7cal %s\n", Q7CAL_VERSION);
+        return PrintAndFlush(sVersion);
+    case -1:
+        if (optind < argc)
+            return WrongArgument("unexpected argument", argv[optind]);
         return COMMAND_LINE_RUN;
-    const char *sFirst = argv[1];
-    bool bHelp = IsOption(sFirst, "-h", "--help");
-    bool bVersion = IsOption(sFirst, "-V", "--version");
-    if ((bHelp || bVersion) && argc == 2) {
-        if (bHelp)
-            fputs(sHelpText, stdout);
-        else
-            printf("q7cal %s\n", Q7CAL_VERSION);
-        return 0;
+    default:
+        /* A long option as it was typed; a short one by its letter, which may
+         * stand inside a cluster ("-xV"). */
+        if (optind > 1 && strncmp(argv[optind - 1], "--", 2) == 0)
+            return WrongArgument("unknown option", argv[optind - 1]);
+        sUnknown[1] = (char)optopt;
+        return WrongArgument("unknown option", sUnknown);
     }
-    if (bHelp || bVersion)
-        fprintf(stderr, "q7cal: unexpected argument '%s'; try 'q7cal --help'\n", argv[2]);
-    else if (sFirst[0] == '-')
-        fprintf(stderr, "q7cal: unknown option '%s'; try 'q7cal --help'\n", sFirst);
-    else
-        fprintf(stderr, "q7cal: unexpected argument '%s'; try 'q7cal --help'\n", sFirst);
-    return 2;
 }

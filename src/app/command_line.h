@@ -5,9 +5,11 @@
 /* HandleCommandLine's answer when the program should go on to the menu. */
 #define COMMAND_LINE_RUN (-1)
 
-/* No argument: COMMAND_LINE_RUN. -h/--help or -V/--version alone: prints the
- * text to stdout and returns 0. Anything else: names the wrong argument on
- * stderr, points to --help and returns 2. */
+/* Read as getopt_long reads it (abbreviations such as --vers, "--" ending the
+ * options). No argument: COMMAND_LINE_RUN. -h/--help or -V/--version: prints
+ * the text to stdout and returns 0, or 4 when standard output could not take
+ * it. Anything else: names the wrong argument on stderr, points to --help and
+ * returns 2. */
 int HandleCommandLine(int argc, char *argv[]);
 
 #endif /* Q7_COMMAND_LINE_H */

@@ -60,8 +60,8 @@ bool RunMenu(CalInterfaceHandle hCal)
         } else {
             MenuEntry[u32GroupStart + (uint32_t)iChoice - 1].pfnHandler(hCal);
             /* A command cut short by the end of the session leaves through the
-             * exit path. */
-            if (InputEnded())
+             * exit path; at a terminal, Ctrl-C ends only the command. */
+            if (SessionEnded() && !ResumeAfterInterrupt())
                 return true;
         }
     }

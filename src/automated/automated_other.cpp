@@ -164,7 +164,7 @@ int AutomatedOtherCommandGroupTest(CalInterfaceHandle hCal)
     (void)TestGetTemperature(hCal);
     TestGpAdcAndDac(hCal);
     PressEnterToContinue(); /* the engineer reads the results before the spectrum */
-    if (InputEnded())
+    if (SessionEnded())
         return -1;
 
     PrintTestHeading("Spectrum commands");

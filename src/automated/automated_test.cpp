@@ -64,7 +64,7 @@ int AutomatedTest(CalInterfaceHandle hCal)
         PressEnterToContinue();
         /* The next group starts only after Enter: once the session is ending
          * (input ended, a stop signal) the remaining groups are abandoned. */
-        if (InputEnded()) {
+        if (SessionEnded()) {
             (void)AbandonCommand();
             break;
         }

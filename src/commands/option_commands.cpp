@@ -70,7 +70,7 @@ int TestGetOptionByID(CalInterfaceHandle hCal)
         return -1;
     for (;;) {
         int iChoice = GetOptionChoice(1);
-        if (iChoice == -1 && InputEnded())
+        if (iChoice == -1 && SessionEnded())
             return AbandonCommand();
         if (iChoice == -1)
             break;
@@ -97,7 +97,7 @@ int TestSetOptionByID(CalInterfaceHandle hCal)
     for (;;) {
         uint32_t u32Value = 0;
         int iChoice = GetOptionChoice(0);
-        if (iChoice == -1 && InputEnded())
+        if (iChoice == -1 && SessionEnded())
             return AbandonCommand();
         if (iChoice == -1)
             break;

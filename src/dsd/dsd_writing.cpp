@@ -673,7 +673,7 @@ static int WriteRegion(const DsdRange *pRange, const DsdAreas *pAreas, uint32_t 
 
     /* The session ending before the restore question leaves the data written. */
     if (!ReadUnsigned(&u32Verify, VERIFY_PROMPT))
-        return WarnNotRestored("%s", WhyInputEnded());
+        return WarnNotRestored("%s", WhySessionEnded());
     if (u32Verify != 0) {
         FillArea(pAreas->pu8ReadBack, pRange->u32Size, 0);
         if (ReportReadError(ReadRange(pRange, pAreas->pu8ReadBack, &u32Returned)))
@@ -683,7 +683,7 @@ static int WriteRegion(const DsdRange *pRange, const DsdAreas *pAreas, uint32_t 
         printf("\n\n%u verify errors.\n", u32Errors);
     }
     if (!ReadUnsigned(&u32Restore, RESTORE_PROMPT))
-        return WarnNotRestored("%s", WhyInputEnded());
+        return WarnNotRestored("%s", WhySessionEnded());
     if (u32Restore != 0 && RestoreAndConfirm(pRange, pAreas, RESTORING_LINE, ShowRestoredRegionBytes) != 0)
         return -1;
     return u32Errors == 0 ? 0 : -1;

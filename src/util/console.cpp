@@ -13,6 +13,8 @@
 #include <termios.h>
 #include <unistd.h>
 
+#include "line_editor.h"
+
 #define PAD_STRING_MAX 80u
 #define CHOICE_WORD_MAX 49u
 #define PROMPT_MAX 512
@@ -25,38 +27,129 @@ static char gs_sPadBuffer[PAD_STRING_MAX + 1];
 static bool gs_bInputEnded = false;
 /* The last read stopped inside a line: its line end has not been read yet. */
 static bool gs_bLinePending = false;
-/* The signal that asks the session to stop, set by the handler alone. */
+/* The stop signal that ends the session (SIGTERM and SIGHUP win over
+ * SIGINT), and whether a SIGINT has arrived since the session last went on:
+ * set by the handler alone. */
 static volatile sig_atomic_t gs_iStopSignal = 0;
+static volatile sig_atomic_t gs_iInterrupted = 0;
 /* A write to standard output failed, and the error it failed with. */
 static bool gs_bOutputFailed = false;
 static int gs_iOutputError = 0;
-/* The abandon line has been printed. */
+/* The command in progress has printed its abandon line. */
 static bool gs_bAbandonAnnounced = false;
 
-bool InputEnded(void) { return gs_bInputEnded || gs_iStopSignal != 0 || gs_bOutputFailed; }
+bool SessionEnded(void) { return gs_bInputEnded || gs_iStopSignal != 0 || gs_bOutputFailed; }
 
 int StopSignal(void) { return gs_iStopSignal; }
 
-void ResetInputState(void)
+/* ---- Standard output ---------------------------------------------------- */
+
+/* What the program printed after its last line end: the prompt that a line
+ * editor shows again when it redraws the line. */
+static char gs_sOutputTail[PROMPT_MAX];
+/* The C library's own standard output, which the line editor draws on. */
+static FILE *gs_pLibraryStdout = NULL;
+
+static void RememberOutputTail(const char *pBytes, size_t uSize)
 {
-    gs_bInputEnded = false;
-    gs_bLinePending = false;
-    gs_iStopSignal = 0;
-    gs_bOutputFailed = false;
-    gs_iOutputError = 0;
-    gs_bAbandonAnnounced = false;
-    clearerr(stdin);
+    size_t uKept = strlen(gs_sOutputTail);
+    for (size_t i = 0; i < uSize; i++) {
+        if (pBytes[i] == '\n')
+            uKept = 0;
+        else if (uKept + 1 < sizeof gs_sOutputTail)
+            gs_sOutputTail[uKept++] = pBytes[i];
+    }
+    gs_sOutputTail[uKept] = '\0';
 }
+
+/* Writes all of it to file descriptor 1, resuming after a signal: a stop
+ * signal while a slow reader holds the pipe full is no output error. */
+static ssize_t WriteStandardOutput(void *pCookie, const char *pBytes, size_t uSize)
+{
+    (void)pCookie;
+    size_t uDone = 0;
+    while (uDone < uSize) {
+        ssize_t iWritten = write(STDOUT_FILENO, pBytes + uDone, uSize - uDone);
+        if (iWritten < 0 && errno == EINTR)
+            continue;
+        if (iWritten <= 0)
+            break;
+        uDone += (size_t)iWritten;
+    }
+    RememberOutputTail(pBytes, uDone);
+    return uDone > 0 || uSize == 0 ? (ssize_t)uDone : -1;
+}
+
+static void WriteThroughResumingStream(void)
+{
+    cookie_io_functions_t stFunctions;
+    memset(&stFunctions, 0, sizeof stFunctions);
+    stFunctions.write = WriteStandardOutput;
+    FILE *pStream = fopencookie(NULL, "w", stFunctions);
+    if (pStream == NULL)
+        return; /* the C library's own stream stays */
+    /* Buffered as the C library buffers standard output. */
+    setvbuf(pStream, NULL, isatty(STDOUT_FILENO) ? _IOLBF : _IOFBF, BUFSIZ);
+    fflush(stdout);
+    gs_pLibraryStdout = stdout;
+    stdout = pStream;
+}
+
+/* Flushes what was printed; a failure ends the session like end of input. */
+static void FlushOutput(void)
+{
+    if (fflush(stdout) != 0 || ferror(stdout)) {
+        if (!gs_bOutputFailed)
+            gs_iOutputError = errno;
+        gs_bOutputFailed = true;
+    }
+}
+
+void PrintDeviceNotice(const char *sFormat, ...)
+{
+    char sText[PROMPT_MAX];
+    va_list args;
+    va_start(args, sFormat);
+    vsnprintf(sText, sizeof sText, sFormat, args);
+    va_end(args);
+    fputs(sText, stdout);
+    FlushOutput();
+    if (gs_bOutputFailed) {
+        /* One line on stderr: without the blank lines that set it apart. */
+        const char *sLine = sText + strspn(sText, "\n");
+        fprintf(stderr, "q7cal: %.*s\n", (int)strcspn(sLine, "\n"), sLine);
+    }
+}
+
+bool FinishOutput(void)
+{
+    FlushOutput();
+    if (!gs_bOutputFailed)
+        return true;
+    fprintf(stderr, "q7cal: write error on standard output: %s\n",
+            gs_iOutputError != 0 ? strerror(gs_iOutputError) : "output lost");
+    return false;
+}
+
+/* ---- Stop signals ------------------------------------------------------- */
 
 static void OnStopSignal(int iSignal)
 {
-    /* A second Ctrl-C is the engineer insisting: end at once, by the signal. */
-    if (iSignal == SIGINT && gs_iStopSignal != 0) {
-        signal(SIGINT, SIG_DFL);
-        raise(SIGINT);
+    if (iSignal == SIGINT) {
+        /* A second Ctrl-C is the engineer insisting: end at once, by the signal. */
+        if (gs_iInterrupted) {
+            signal(SIGINT, SIG_DFL);
+            raise(SIGINT);
+            return;
+        }
+        gs_iInterrupted = 1;
+        if (gs_iStopSignal == 0)
+            gs_iStopSignal = SIGINT;
         return;
     }
-    gs_iStopSignal = iSignal;
+    /* SIGTERM and SIGHUP end the session whatever came before. */
+    if (gs_iStopSignal == 0 || gs_iStopSignal == SIGINT)
+        gs_iStopSignal = iSignal;
 }
 
 void CatchStopSignals(void)
@@ -74,6 +167,7 @@ void CatchStopSignals(void)
             sigaction(aiSignals[i], &stAction, NULL);
     }
     signal(SIGPIPE, SIG_IGN);
+    WriteThroughResumingStream();
 }
 
 static const char *SignalName(int iSignal)
@@ -90,24 +184,129 @@ static const char *SignalName(int iSignal)
     }
 }
 
-/* Flushes what was printed; a failure ends the session like end of input. */
-static void FlushOutput(void)
+/* ---- Where answers come from -------------------------------------------- */
+
+/* Decided at the first read of a session: standard input is a terminal, and
+ * (when the program's own output is a terminal too) answers come through the
+ * line editor. */
+static bool gs_bSourceKnown = false;
+static bool gs_bTerminal = false;
+static bool gs_bEditing = false;
+/* The line the editor gave, and how much of it has been read. */
+static const char *gs_sEditedLine = NULL;
+static int gs_iEditedLength = 0;
+static int gs_iEditedRead = 0;
+
+static const char *EditorPrompt(void) { return gs_sOutputTail; }
+
+/* One byte of the terminal for the editor: 1, 0 at end of input, -1 when a
+ * stop signal interrupts the read (the editor then gives up the line). */
+static int ReadTerminalByte(unsigned char *pu8Byte)
 {
-    if (fflush(stdout) != 0 || ferror(stdout)) {
-        if (!gs_bOutputFailed)
-            gs_iOutputError = errno;
-        gs_bOutputFailed = true;
+    for (;;) {
+        ssize_t iRead = read(STDIN_FILENO, pu8Byte, 1);
+        if (iRead == 1)
+            return 1;
+        if (iRead == 0)
+            return 0;
+        if (errno != EINTR || gs_iStopSignal != 0)
+            return -1;
     }
 }
+
+static void KnowInputSource(void)
+{
+    if (gs_bSourceKnown)
+        return;
+    gs_bSourceKnown = true;
+    gs_bTerminal = isatty(fileno(stdin)) != 0;
+    /* Editing needs the terminal for its echo: with output going to a pipe
+     * or file, the terminal's own line editing serves. */
+    gs_bEditing = gs_bTerminal && fileno(stdin) == STDIN_FILENO && isatty(STDOUT_FILENO) &&
+                  gs_pLibraryStdout != NULL &&
+                  OpenLineEditor(stdin, gs_pLibraryStdout, EditorPrompt, ReadTerminalByte);
+}
+
+/* Reads the next line through the editor; false at end of input or when a
+ * stop signal interrupted it. */
+static bool EditLine(void)
+{
+    /* The prompt is on the screen already: the editor draws it again over
+     * itself, from the start of the line. */
+    FlushOutput();
+    fputs("\r", gs_pLibraryStdout);
+    fflush(gs_pLibraryStdout);
+    gs_sEditedLine = EditNextLine(&gs_iEditedLength);
+    gs_iEditedRead = 0;
+    gs_sOutputTail[0] = '\0'; /* the editor ended the line on the screen */
+    return gs_sEditedLine != NULL;
+}
+
+/* The next character of input, or EOF. */
+static int NextChar(void)
+{
+    if (!gs_bEditing)
+        return getchar();
+    if (gs_iEditedRead >= gs_iEditedLength && !EditLine())
+        return EOF;
+    return (unsigned char)gs_sEditedLine[gs_iEditedRead++];
+}
+
+static void PutBackChar(int c)
+{
+    if (!gs_bEditing)
+        ungetc(c, stdin);
+    else if (gs_iEditedRead > 0)
+        gs_iEditedRead--;
+}
+
+/* Everything typed ahead at a terminal is dropped. */
+static void DropTypedAhead(void)
+{
+    gs_iEditedRead = gs_iEditedLength;
+    __fpurge(stdin);
+    tcflush(fileno(stdin), TCIFLUSH);
+    gs_bLinePending = false;
+}
+
+void ResetInputState(void)
+{
+    gs_bInputEnded = false;
+    gs_bLinePending = false;
+    gs_iStopSignal = 0;
+    gs_iInterrupted = 0;
+    gs_bOutputFailed = false;
+    gs_iOutputError = 0;
+    gs_bAbandonAnnounced = false;
+    gs_bSourceKnown = false;
+    gs_iEditedRead = gs_iEditedLength = 0;
+    clearerr(stdin);
+}
+
+bool ResumeAfterInterrupt(void)
+{
+    if (!gs_bTerminal || gs_iStopSignal != SIGINT || gs_bInputEnded || gs_bOutputFailed)
+        return false;
+    (void)AbandonCommand(); /* said once, whether or not the command read again */
+    DropTypedAhead();
+    clearerr(stdin);
+    gs_bAbandonAnnounced = false;
+    gs_iStopSignal = 0;
+    gs_iInterrupted = 0;
+    return true;
+}
+
+/* ---- Reading answers ---------------------------------------------------- */
 
 /* Flushes the prompt; true when an answer may be read. */
 static bool ReadyToRead(void)
 {
     FlushOutput();
-    return !InputEnded();
+    KnowInputSource();
+    return !SessionEnded();
 }
 
-const char *WhyInputEnded(void)
+const char *WhySessionEnded(void)
 {
     if (gs_iStopSignal != 0)
         return "the session was interrupted";
@@ -119,28 +318,20 @@ int AbandonCommand(void)
     if (gs_bAbandonAnnounced)
         return -1;
     gs_bAbandonAnnounced = true;
-    if (gs_iStopSignal != 0)
+    if (gs_iStopSignal == SIGINT && gs_bTerminal)
+        printf("\nInterrupted: command abandoned.\n");
+    else if (gs_iStopSignal != 0)
         printf("\nInterrupted by %s: command abandoned.\n", SignalName(gs_iStopSignal));
     else
         printf("\nEnd of input: command abandoned.\n");
     return -1;
 }
 
-bool FinishOutput(void)
-{
-    FlushOutput();
-    if (!gs_bOutputFailed)
-        return true;
-    fprintf(stderr, "q7cal: write error on standard output: %s\n",
-            gs_iOutputError != 0 ? strerror(gs_iOutputError) : "output lost");
-    return false;
-}
-
 static void DiscardRestOfLine(void)
 {
     int c;
     do {
-        c = getchar();
+        c = NextChar();
     } while (c != '\n' && c != EOF);
     gs_bLinePending = false;
 }
@@ -158,11 +349,11 @@ static int ReadWord(char *sWord, uint32_t u32Max, bool *pbCut)
 
     *pbCut = false;
     do {
-        c = getchar();
+        c = NextChar();
     } while (c != EOF && isspace(c));
     if (c == EOF)
         return EOF;
-    for (; c != EOF && !isspace(c); c = getchar()) {
+    for (; c != EOF && !isspace(c); c = NextChar()) {
         if (c == '\0')
             bNul = true;
         if (u32Length < u32Max)
@@ -171,7 +362,7 @@ static int ReadWord(char *sWord, uint32_t u32Max, bool *pbCut)
             *pbCut = true;
     }
     if (c != EOF)
-        ungetc(c, stdin); /* the blank after the word stays pending */
+        PutBackChar(c); /* the blank after the word stays pending */
     gs_bLinePending = true;
     if (gs_iStopSignal != 0)
         return EOF; /* the signal may have cut the word short */
@@ -187,7 +378,8 @@ int ReadChoice(void)
     bool bCut = false;
 
     if (!ReadyToRead() || ReadWord(sWord, CHOICE_WORD_MAX, &bCut) == EOF) {
-        gs_bInputEnded = true;
+        if (gs_iStopSignal == 0)
+            gs_bInputEnded = true;
         return -1;
     }
     char *pEnd = NULL;
@@ -211,20 +403,20 @@ char *PadString(const char *sText, char cFill, uint32_t u32Width)
 
 void PressEnterToContinue(void)
 {
-    if (InputEnded())
+    if (SessionEnded())
         return;
-    if (isatty(fileno(stdin))) {
-        __fpurge(stdin);
-        tcflush(fileno(stdin), TCIFLUSH);
-        gs_bLinePending = false;
-    } else if (gs_bLinePending) {
+    KnowInputSource();
+    if (gs_bTerminal)
+        DropTypedAhead();
+    else if (gs_bLinePending)
         DiscardRestOfLine();
-    }
 
     printf("\nPress Enter to continue");
-    int c = ReadyToRead() ? getchar() : EOF;
-    if (c == EOF)
+    int c = ReadyToRead() ? NextChar() : EOF;
+    if (c == EOF && gs_iStopSignal == 0)
         gs_bInputEnded = true;
+    else if (gs_bTerminal && c != EOF && c != '\n')
+        DiscardRestOfLine(); /* a line typed at the pause answers the pause alone */
     else
         gs_bLinePending = c != '\n';
     printf("\n");
@@ -316,7 +508,7 @@ __attribute__((format(printf, 3, 0))) static bool ReadAnswer(const AnswerKind *p
     bool bCut = false;
     vsnprintf(sPrompt, sizeof sPrompt, sPromptFormat, args);
 
-    while (!InputEnded()) {
+    while (!SessionEnded()) {
         fputs(sPrompt, stdout);
         if (!ReadyToRead() || ReadWord(sWord, ANSWER_WORD_MAX, &bCut) == EOF)
             break;
@@ -331,7 +523,8 @@ __attribute__((format(printf, 3, 0))) static bool ReadAnswer(const AnswerKind *p
             printf("\nOut of range. Please enter %s %s.\n", pKind->sExpected, pKind->sRange);
         DiscardRestOfLine();
     }
-    gs_bInputEnded = true;
+    if (gs_iStopSignal == 0)
+        gs_bInputEnded = true;
     AbandonCommand();
     return false;
 }

@@ -35,14 +35,24 @@ done
 for option in -V --version; do
   expect 0 "q7cal $version" "" $option
 done
+# As getopt_long reads them: abbreviations, and "--" ending the options.
+expect 0 "q7cal $version" "" --vers
+expect 0 "$usage" "" --he --version
 wrong() { echo "q7cal: $1 '$2'; try 'q7cal --help'"; }
 expect 2 "" "$(wrong "unknown option" -x)" -x
 expect 2 "" "$(wrong "unknown option" --bogus)" --bogus
 expect 2 "" "$(wrong "unknown option" --HELP)" --HELP
-expect 2 "" "$(wrong "unknown option" --)" --
+expect 2 "" "$(wrong "unknown option" --help=x)" --help=x
 expect 2 "" "$(wrong "unexpected argument" help)" help
-expect 2 "" "$(wrong "unexpected argument" --version)" --help --version
-expect 2 "" "$(wrong "unexpected argument" extra)" -V extra
+expect 2 "" "$(wrong "unexpected argument" -V)" -- -V
+# The answer that standard output cannot take is no success.
+for option in -h -V; do
+  call="q7cal $option >/dev/full"
+  "$program" $option </dev/null >/dev/full 2>"$err"
+  status=$?
+  [ $status -eq 4 ] || fail "status $status, expected 4"
+  grep -q '^q7cal: write error on standard output: ' "$err" || fail "stderr '$(cat "$err")'"
+done
 
 # The run path names no build folder: alone, the program finds no library.
 # (In a cross build the program is a script that runs it under the emulator.)

@@ -49,7 +49,7 @@ MenuRun RunThroughMenu(const CommandRow &row, const std::string &filler, int bad
     CommandScript script(&row, filler, badAt, bad);
     std::string what = row.label + ": " + caseName + " at prompt " + std::to_string(badAt + 1) + ", filler " + filler;
     Session session = RunSession(what, std::ref(script), [&] { RunMenu(hCal); });
-    bool inputEnded = InputEnded();
+    bool inputEnded = SessionEnded();
     size_t deviceCalls = q7sim::control::Calls().size();
     q7sim::control::Reset();
     return {std::move(session), std::move(script), inputEnded, deviceCalls};

@@ -148,8 +148,8 @@ TEST(SessionEnd, AStopSignalOrAFailedOutputEndsInputAtTheNextRead)
         ASSERT_NE(stdout, nullptr);
         setvbuf(stdout, nullptr, _IONBF, 0);  // the write fails at once, the flush has nothing left
         EXPECT_FALSE(ReadUnsigned(&value, "N? "));
-        EXPECT_TRUE(InputEnded());
-        EXPECT_STREQ(WhyInputEnded(), "standard output could not be written");
+        EXPECT_TRUE(SessionEnded());
+        EXPECT_STREQ(WhySessionEnded(), "standard output could not be written");
         written = FinishOutput();
         std::fclose(stdout);
         stdout = captured;

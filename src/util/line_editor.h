@@ -1,0 +1,21 @@
+/* Line editing and history for answers typed at a terminal, by libedit,
+ * loaded on first use: a session fed by a script never loads it, and on a
+ * host without libedit the terminal's own line editing serves. */
+#ifndef Q7_LINE_EDITOR_H
+#define Q7_LINE_EDITOR_H
+
+#include <stdbool.h>
+#include <stdio.h>
+
+/* Opens the editor on the terminal: it draws on `pOutput`, shows what
+ * pfnPrompt returns as the prompt and reads its bytes with pfnGetByte (1 with
+ * the byte, 0 at end of input, -1 when the read is to be given up). False
+ * when libedit cannot be loaded. */
+bool OpenLineEditor(FILE *pInput, FILE *pOutput, const char *(*pfnPrompt)(void),
+                    int (*pfnGetByte)(unsigned char *pu8Byte));
+
+/* The next line typed, with its line end, kept in the history when it holds
+ * more than blanks; NULL at end of input or when the read was given up. */
+const char *EditNextLine(int *piLength);
+
+#endif /* Q7_LINE_EDITOR_H */
