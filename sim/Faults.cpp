@@ -38,6 +38,7 @@ uint32_t DataFault::ApplyToWrite(const std::vector<uint8_t> &before, uint8_t *me
     }
     case Kind::FlipBit:
     case Kind::ShortRead:
+    case Kind::ForgeKey:
         break;
     }
     return written;

@@ -20,6 +20,7 @@ struct DataFault {
         IgnoreWrite,  // the write reports success and its full count but changes nothing
         StopWrite,    // the write stops after `byteIndex` changed bytes and reports at most that many
         FailWrite,    // the write stops after `byteIndex` changed bytes and then fails
+        ForgeKey,     // a key request answers a nonzero key the device never issued
     };
     Kind kind;
     uint32_t byteIndex;

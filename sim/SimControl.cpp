@@ -28,6 +28,11 @@ void FlipBitOnRead(const char *operation, unsigned nthCall, uint32_t byteIndex, 
     Faults().PlanDataFault(operation, nthCall, DataFault{DataFault::Kind::FlipBit, byteIndex, mask});
 }
 
+void ForgeWriteKey(unsigned nthCall)
+{
+    Faults().PlanDataFault("Q7_RequestDSDWriteKey", nthCall, DataFault{DataFault::Kind::ForgeKey, 0, 0});
+}
+
 void ShortRead(const char *operation, unsigned nthCall, uint32_t bytes)
 {
     Faults().PlanDataFault(operation, nthCall, DataFault{DataFault::Kind::ShortRead, bytes, 0});

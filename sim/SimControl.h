@@ -25,6 +25,9 @@ void FailNext(const char *operation, unsigned count, const char *text);
 void FailCall(const char *operation, unsigned nthCall, const char *text);
 // Q7_RequestDSDWriteKey refuses the next `count` requests: it answers key 0.
 void RefuseWriteKeys(unsigned count);
+// The `nthCall`-th Q7_RequestDSDWriteKey (1 = the next) answers a nonzero key
+// that the device never issued, and so refuses to write with.
+void ForgeWriteKey(unsigned nthCall);
 
 // DSD data faults, each on the `nthCall`-th call (1 = the next) of a read
 // ("Q7_ReadDSDBytes", "Q7_ReadDSDRegionByID") or a write ("Q7_WriteDSDBytes",
@@ -60,8 +63,8 @@ void IgnoreNext(const char *operation, unsigned count);
 // `operation` reports its out-value number `output` (0 = its first
 // out-pointer) with `offset` added, until Reset: a read-back that is off.
 // Taken by Q7_GetBandConfig, Q7_GetRxGainState, Q7_GetTxAttn,
-// Q7_GetTxOutputPower and Q7_GetTxDiversitySwitch; an offset must keep an
-// unsigned value at 0 or above.
+// Q7_GetTxOutputPower, Q7_GetTxDiversitySwitch, Q7_GetDSDRegionSizeByID and
+// Q7_GetOptionByID; an offset must keep an unsigned value at 0 or above.
 void SkewOutput(const char *operation, unsigned output, double offset);
 // GPIO `pin` reads as `level` (0 or 1) whatever drives it, until Reset.
 void StickGpioPin(unsigned pin, unsigned level);

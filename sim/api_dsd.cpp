@@ -187,7 +187,10 @@ ApiStatus Q7_ReadDSDBytes(CalInterfaceHandle hCal, uint8_t *pu8Dest, uint32_t u3
 ApiStatus Q7_GetDSDRegionSizeByID(CalInterfaceHandle hCal, int32_t i32RegionID, uint32_t *pu32Size)
 {
     return Dispatch(hCal, __func__, Requires::Connection, [&](Device &device) {
-        return device.dsd.RegionSize(device.DsdTarget(), i32RegionID, pu32Size);
+        Status status = device.dsd.RegionSize(device.DsdTarget(), i32RegionID, pu32Size);
+        if (status.ok())
+            *pu32Size = q7sim::Reported("Q7_GetDSDRegionSizeByID", 0, *pu32Size);
+        return status;
     });
 }
 
@@ -207,7 +210,8 @@ uint32_t Q7_RequestDSDWriteKey(CalInterfaceHandle hCal)
     // A refused request answers key 0.
     uint32_t key = 0;
     Dispatch(hCal, __func__, Requires::Connection, [&](Device &device) {
-        key = device.keys.Issue(device.nowUs());
+        std::optional<DataFault> fault = Faults().TakeDataFault("Q7_RequestDSDWriteKey");
+        key = fault && fault->kind == DataFault::Kind::ForgeKey ? 0xF0F0F0F0u : device.keys.Issue(device.nowUs());
         return Status::Ok();
     });
     return key;

@@ -16,8 +16,12 @@ const OptionInfo *Q7_GetOptionInfo(uint32_t u32Index)
 
 ApiStatus Q7_GetOptionByID(CalInterfaceHandle hCal, uint32_t u32OptionID, int32_t *pi32Value)
 {
-    return Dispatch(hCal, __func__, Requires::Connection,
-                    [&](Device &device) { return device.options.Get(u32OptionID, pi32Value); });
+    return Dispatch(hCal, __func__, Requires::Connection, [&](Device &device) {
+        q7sim::Status status = device.options.Get(u32OptionID, pi32Value);
+        if (status.ok())
+            *pi32Value = q7sim::Reported("Q7_GetOptionByID", 0, *pi32Value);
+        return status;
+    });
 }
 
 ApiStatus Q7_SetOptionByID(CalInterfaceHandle hCal, uint32_t u32OptionID, uint32_t u32Value)

@@ -4,19 +4,40 @@
 #include "automated.h"
 #include "commands.h"
 #include "connection.h"
+#include "console.h"
 
-/* One band write/read-back check: the write line is printed by the caller. */
+/* One band write/read-back check, with its write line; nothing once the
+ * session has ended, and no verdict when it ends during the wait. */
 static void CheckBandConfig(CalInterfaceHandle hCal, uint32_t u32FreqKHz, uint32_t u32BandwidthKHz)
 {
     uint32_t u32ReadFreqKHz = 0;
     uint32_t u32ReadBandwidthKHz = 0;
 
+    if (SessionEnded())
+        return;
+    printf("Write: Freq = %7u - BW = %5u\n", u32FreqKHz, u32BandwidthKHz);
     ReportTestError(Q7_SetBandConfig(hCal, u32FreqKHz, u32BandwidthKHz));
     (void)Q7_ForceReSync(hCal);
     Q7_SleepMs(500);
+    if (SessionEnded())
+        return; /* a read-back without the settling time judges nothing */
     const bool bRead = !ReportTestError(Q7_GetBandConfig(hCal, &u32ReadFreqKHz, &u32ReadBandwidthKHz));
     printf("Read:  Freq = %7u - BW = %5u ", u32ReadFreqKHz, u32ReadBandwidthKHz);
     printf("%s\n", Verdict(bRead && u32ReadFreqKHz == u32FreqKHz && u32ReadBandwidthKHz == u32BandwidthKHz));
+}
+
+/* After the session has ended: the band back, confirmed by reading it, or a
+ * WARNING that says where the device was left. */
+static void RestoreBandConfig(CalInterfaceHandle hCal, uint32_t u32FreqKHz, uint32_t u32BandwidthKHz)
+{
+    uint32_t u32ReadFreqKHz = 0;
+    uint32_t u32ReadBandwidthKHz = 0;
+
+    (void)Q7_SetBandConfig(hCal, u32FreqKHz, u32BandwidthKHz);
+    if (Q7_GetBandConfig(hCal, &u32ReadFreqKHz, &u32ReadBandwidthKHz) != NULL || u32ReadFreqKHz != u32FreqKHz ||
+        u32ReadBandwidthKHz != u32BandwidthKHz)
+        PrintDeviceNotice("WARNING: The band configuration is not restored: Freq = %u - BW = %u\n", u32ReadFreqKHz,
+                          u32ReadBandwidthKHz);
 }
 
 int AutomatedConfigurationGroupTest(CalInterfaceHandle hCal)
@@ -30,29 +51,32 @@ int AutomatedConfigurationGroupTest(CalInterfaceHandle hCal)
     PrintTestHeading("Get/SetDeviceMode");
     /* The engineer compares each reported mode with the pushed one. */
     for (uint32_t u32DutMode = 0; u32DutMode <= 5; u32DutMode++) {
+        if (SessionEnded())
+            return 0;
         printf("\n");
         PushDeviceMode(hCal, u32DutMode, 1, 1000, 0);
         (void)TestGetDeviceMode(hCal);
         PopDeviceMode(hCal, NULL, NULL, NULL, NULL);
     }
+    if (SessionEnded())
+        return 0;
 
     PushDeviceMode(hCal, 4, 1, 1000, 0); /* AGC free-run for the band checks */
     PrintTestHeading("GetBandConfig and SetBandConfig");
     const bool bSaved = !ReportTestError(Q7_GetBandConfig(hCal, &u32SavedFreqKHz, &u32SavedBandwidthKHz));
     printf("Read:  Freq = %7u - BW = %5u\n", u32SavedFreqKHz, u32SavedBandwidthKHz);
 
-    printf("Write: Freq = 2500000 - BW = 10000\n");
     CheckBandConfig(hCal, 2500000, 10000);
-    printf("Write: Freq = 2533500 - BW =  5000\n");
     CheckBandConfig(hCal, 2533500, 5000);
     /* A band that could not be read is not written back: the zeros the
-     * locals hold are no band the device was ever in. */
-    if (bSaved) {
-        printf("Write: Freq = %7u - BW = %5u\n", u32SavedFreqKHz, u32SavedBandwidthKHz);
-        CheckBandConfig(hCal, u32SavedFreqKHz, u32SavedBandwidthKHz);
-    } else {
+     * locals hold are no band the device was ever in. Once the session has
+     * ended, the band goes back without a check. */
+    if (!bSaved)
         printf("Band not restored: it could not be read at the start\n");
-    }
+    else if (SessionEnded())
+        RestoreBandConfig(hCal, u32SavedFreqKHz, u32SavedBandwidthKHz);
+    else
+        CheckBandConfig(hCal, u32SavedFreqKHz, u32SavedBandwidthKHz);
 
     PopDeviceMode(hCal, NULL, NULL, NULL, NULL);
     return 0;
@@ -68,6 +92,8 @@ static void CheckRxGainState(CalInterfaceHandle hCal, uint32_t u32Path)
     int32_t i32PgaIndex = 0;
     double dTotalGain = 0.0;
 
+    if (SessionEnded())
+        return;
     ReportTestError(Q7_GetRxGainState(hCal, u32Path, &u32ExtLna, &u32FeGainState, &i32PgaIndex, &dTotalGain));
     printf("Read  path %u: Ext LNA=%u - LNA=%u - PGA=%2u - Total=%g\n", u32Path, u32ExtLna, u32FeGainState,
            (uint32_t)i32PgaIndex, dTotalGain);
@@ -110,6 +136,8 @@ int AutomatedRxGroupTest(CalInterfaceHandle hCal)
 
     (void)TestIsSync(hCal);
     (void)TestForceReSync(hCal);
+    if (SessionEnded())
+        return 0;
 
     PrintTestHeading("GetRxGainState and SetRxGainState");
     (void)Q7_GetDeviceMode(hCal, &u32DutMode, &u32ModulationType, &i32CwOffsetKHz, &u32LoopbackTx);
@@ -130,6 +158,8 @@ int AutomatedRxGroupTest(CalInterfaceHandle hCal)
     printf("Loopback Tx Type\t= %u\n", u32LoopbackTx);
     CheckRxGainState(hCal, 0);
     CheckRxGainState(hCal, 1);
+    if (SessionEnded())
+        return 0;
 
     PrintTestHeading("GetRSSIReport and related commands");
     (void)TestGetRSSIReport(hCal); /* still in Calibration mode */
@@ -139,6 +169,8 @@ int AutomatedRxGroupTest(CalInterfaceHandle hCal)
     PushDeviceMode(hCal, 4, 0, 1000, 0); /* AGC free-run, 4 QAM */
     (void)TestGetPerAntThermalNoise(hCal);
     PopDeviceMode(hCal, NULL, NULL, NULL, NULL);
+    if (SessionEnded())
+        return 0;
 
     PrintTestHeading("GetFrameErrorStatistics and ResetFrameErrorStatistics");
     (void)TestGetFrameErrorStatistics(hCal);

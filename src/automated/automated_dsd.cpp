@@ -5,6 +5,7 @@
 
 #include "automated.h"
 #include "commands.h"
+#include "console.h"
 #include "data_utils.h"
 
 #define TEST_BYTE_COUNT 256u
@@ -39,6 +40,10 @@ int AutomatedDSDManagementGroupTest(CalInterfaceHandle hCal)
     PushDeviceMode(hCal, 2, 0, 1000, 0); /* Tx CW, 4 QAM */
     PrintTestHeading("DSD Management Commands");
     (void)TestLoadDSD(hCal); /* the run's one prompt besides the pauses */
+    if (SessionEnded()) {
+        PopDeviceMode(hCal, NULL, NULL, NULL, NULL);
+        return 0;
+    }
     (void)TestIsDSDValid(hCal);
     (void)TestAreDSDChecksumsValid(hCal);
     (void)TestGetDSDChecksums(hCal);
@@ -94,8 +99,13 @@ int AutomatedDSDReadWriteGroupTest(CalInterfaceHandle hCal)
     PrintTestHeading("ReadDSDBytes");
     DumpTestBytesOfDsd(hCal);
     PrintTestHeading("ReadRegionByID");
-    for (int32_t i32RegionID = FIRST_REGION_ID; i32RegionID <= LAST_REGION_ID; i32RegionID++)
+    for (int32_t i32RegionID = FIRST_REGION_ID; i32RegionID <= LAST_REGION_ID; i32RegionID++) {
+        if (SessionEnded())
+            return 0;
         DumpRegion(hCal, i32RegionID);
+    }
+    if (SessionEnded())
+        return 0;
     (void)TestGetNVMSize(hCal);
     (void)TestGetDSDInfo(hCal);
     return 0;

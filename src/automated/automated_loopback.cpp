@@ -5,9 +5,11 @@
 #include "automated.h"
 #include "command_steps.h"
 #include "commands.h"
+#include "console.h"
 
 /* Ends the group after a failed calibration: the error, then one pop for
- * each of the group's own pushes still in force. */
+ * each of the group's own pushes still in force. (Once the session has ended
+ * the group just returns, and the driver pops what it left pushed.) */
 static int StopLoopbackGroup(CalInterfaceHandle hCal, ApiStatus status, uint32_t u32Pushes)
 {
     ReportError(status);
@@ -30,6 +32,8 @@ int AutomatedLoopbackGroupTest(CalInterfaceHandle hCal)
     PushDeviceMode(hCal, 5, 0, 1000, 0); /* Loopback, 4 QAM */
     (void)Q7_SetTRSwitch(hCal, 0, 0);   /* both antennas Tx off, Rx on */
     (void)TestCalibrateLCTrim(hCal);
+    if (SessionEnded())
+        return -1;
 
     printf("\nCalibrate Tx Pout frequency correction:\n");
     printf("Setting frequency index 5\n");
@@ -39,6 +43,8 @@ int AutomatedLoopbackGroupTest(CalInterfaceHandle hCal)
     status = Q7_CalibrateTxPoutFreqCorr(hCal, 5);
     if (status != NULL)
         return StopLoopbackGroup(hCal, status, 1);
+    if (SessionEnded())
+        return -1;
 
     PushDeviceMode(hCal, 4, 0, 1000, 0); /* AGC free-run, 4 QAM */
     printf("\nCalibrate FE Steps:\n");
@@ -50,6 +56,8 @@ int AutomatedLoopbackGroupTest(CalInterfaceHandle hCal)
         return StopLoopbackGroup(hCal, status, 2);
     PrintFEStepTable(adPgaGainCorrection, adLnaMidGainStep, adLnaHighGainStep, adLnaExtGainStep);
     PopDeviceMode(hCal, NULL, NULL, NULL, NULL); /* back to Loopback */
+    if (SessionEnded())
+        return -1;
 
     printf("\nCalibrate Tx external attenuator step:\n");
     printf("Active Transmitter set to 0\n");

@@ -64,15 +64,30 @@ static void WriteTestRegister(CalInterfaceHandle hCal, uint32_t u32Data)
 }
 
 /* Write, wait, read back; the whole 32-bit word read must equal the value.
- * The line names the value written as given. */
+ * The line names the value written as given. Nothing once the session has
+ * ended, and no verdict when it ends during the wait. */
 static void CheckTestRegister(CalInterfaceHandle hCal, uint32_t u32Data, const char *sWritten)
 {
     uint32_t u32Read = 0;
 
+    if (SessionEnded())
+        return;
     WriteTestRegister(hCal, u32Data);
     Q7_SleepMs(100);
+    if (SessionEnded())
+        return; /* a read-back without the settling time judges nothing */
     const bool bRead = ReadTestRegister(hCal, &u32Read);
     printf("Wrote %s to Reg 30 - Read back %04X - %s\n", sWritten, u32Read, Verdict(bRead && u32Read == u32Data));
+}
+
+/* After the session has ended: the saved value back in register 30,
+ * confirmed by reading it, or a WARNING that says what it holds. */
+static void RestoreTestRegister(CalInterfaceHandle hCal, uint32_t u32Saved)
+{
+    uint32_t u32Read = 0;
+    (void)Q7_WriteRFICRegister(hCal, 0, TEST_REGISTER, u32Saved, 1);
+    if (Q7_ReadRFICRegister(hCal, 0, TEST_REGISTER, 1, &u32Read) != NULL || u32Read != u32Saved)
+        PrintDeviceNotice("WARNING: Reg 30 is not restored: it reads %04X\n", u32Read);
 }
 
 static void TestLedPinsAndWritePermission(CalInterfaceHandle hCal)
@@ -89,16 +104,23 @@ static void TestLedPinsAndWritePermission(CalInterfaceHandle hCal)
     printf("\n");
     PrintGpioState(&stGpio);
 
+    if (SessionEnded())
+        return;
+
     /* The verdicts look at all three LED pins, a skipped input pin too. */
     SetLedPins(hCal, &stGpio, 0);
     bool bRead = ReadGpio(hCal, &stGpio);
     printf("GPIO LED write 0 test: %s\n\n", Verdict(bRead && (stGpio.u32PinState & LED_PIN_MASK) == 0));
     printf("\n");
     PrintGpioState(&stGpio);
+    if (SessionEnded())
+        return;
     SetLedPins(hCal, &stGpio, 1);
     bRead = ReadGpio(hCal, &stGpio);
     printf("GPIO LED write 1 test: %s\n\n", Verdict(bRead && (stGpio.u32PinState & LED_PIN_MASK) == LED_PIN_MASK));
 
+    if (SessionEnded())
+        return;
     /* The permission read at the start is not restored. */
     printf("Setting write permissions to 0 -- errors are expected\n");
     ReportTestError(Q7_SetGPIOConfiguration(hCal, 0));
@@ -126,9 +148,14 @@ static void TestRficRegister(CalInterfaceHandle hCal)
     CheckTestRegister(hCal, 0x0000, "0x0000");
     CheckTestRegister(hCal, 0x0000, "0x0000");
     CheckTestRegister(hCal, 0xFFFF, "0xffff");
-    /* The restore: a value that could not be read is not written back. */
+    /* The restore: a value that could not be read is not written back. Once
+     * the session has ended, the value goes back without a verdict. */
     if (!bSaved) {
         printf("Reg 30 not restored: it could not be read at the start\n");
+        return;
+    }
+    if (SessionEnded()) {
+        RestoreTestRegister(hCal, u32Saved);
         return;
     }
     WriteTestRegister(hCal, u32Saved);
@@ -159,9 +186,15 @@ static void TestGpAdcAndDac(CalInterfaceHandle hCal)
 int AutomatedOtherCommandGroupTest(CalInterfaceHandle hCal)
 {
     TestLedPinsAndWritePermission(hCal);
+    if (SessionEnded())
+        return -1;
     TestRficRegister(hCal);
+    if (SessionEnded())
+        return -1;
     PrintTestHeading("GetTemperature");
     (void)TestGetTemperature(hCal);
+    if (SessionEnded())
+        return -1;
     TestGpAdcAndDac(hCal);
     PressEnterToContinue(); /* the engineer reads the results before the spectrum */
     if (SessionEnded())

@@ -49,6 +49,26 @@ void PopDeviceMode(CalInterfaceHandle hCal, uint32_t *pu32DutMode, uint32_t *pu3
         *pu32LoopbackTx = stMode.u32LoopbackTx;
 }
 
+/* The pops set the mode without looking at the answer: read it back, and
+ * say so when the device is not in the mode the run found it in. */
+static void ConfirmDeviceMode(CalInterfaceHandle hCal, const DeviceMode *pstExpected)
+{
+    uint32_t u32DutMode = 0;
+    uint32_t u32ModulationType = 0;
+    int32_t i32CwOffsetKHz = 0;
+    uint32_t u32LoopbackTx = 0;
+    ApiStatus status = Q7_GetDeviceMode(hCal, &u32DutMode, &u32ModulationType, &i32CwOffsetKHz, &u32LoopbackTx);
+    if (status != NULL) {
+        PrintDeviceNotice("WARNING: The device mode is not restored: it could not be read back: %s\n", status);
+        return;
+    }
+    if (u32DutMode != pstExpected->u32DutMode || u32ModulationType != pstExpected->u32ModulationType ||
+        i32CwOffsetKHz != pstExpected->i32CwOffsetKHz || u32LoopbackTx != pstExpected->u32LoopbackTx)
+        PrintDeviceNotice("WARNING: The device mode is not restored: mode = %u modulation = %u CW Offset=%u "
+                          "LoopbackTX=%u\n",
+                          u32DutMode, u32ModulationType, (uint32_t)i32CwOffsetKHz, u32LoopbackTx);
+}
+
 int AutomatedTest(CalInterfaceHandle hCal)
 {
     static int (*const apfnGroupTests[])(CalInterfaceHandle) = {
@@ -73,6 +93,7 @@ int AutomatedTest(CalInterfaceHandle hCal)
      * group that was cut short with a mode of its own still pushed. */
     while (u32DeviceModeStackPointer > u32StackPointerAtStart)
         PopDeviceMode(hCal, NULL, NULL, NULL, NULL);
+    ConfirmDeviceMode(hCal, &astDeviceModeStack[u32StackPointerAtStart]);
     return 0;
 }
 

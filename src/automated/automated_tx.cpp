@@ -5,6 +5,7 @@
 #include "automated.h"
 #include "command_steps.h"
 #include "connection.h"
+#include "console.h"
 
 /* The six attenuator settings of one transmitter. */
 typedef struct TxAttnSettings {
@@ -47,12 +48,16 @@ static ApiStatus GetTxAttnSettings(CalInterfaceHandle hCal, uint32_t u32TxSelect
 static void CheckTxAttn(CalInterfaceHandle hCal, uint32_t u32FirstReadSelector, TxAttnSettings *pstRead,
                         uint32_t u32TxSelector, const TxAttnSettings *pstWrite)
 {
+    if (SessionEnded())
+        return;
     ReportTestError(Q7_SetTxAttn(hCal, u32TxSelector, pstWrite->dBasebandAttnDb, pstWrite->u32MixerThermIndex,
                                  pstWrite->u32MixerBinaryIndex, pstWrite->u32PaDriverThermIndex,
                                  pstWrite->u32PaDriverAttnIndex, pstWrite->u32ExtAttn));
     printf("Wrote: transmitter mode \t\t\t\t=%u\n", u32TxSelector);
     PrintTxAttnSettings(pstWrite);
     Q7_SleepMs(500);
+    if (SessionEnded())
+        return; /* a read-back without the settling time judges nothing */
     const bool bRead = !ReportTestError(GetTxAttnSettings(hCal, u32TxSelector, pstRead));
     PrintReadBlock(u32FirstReadSelector, pstRead);
     printf("%s\n", Verdict(bRead && pstRead->dBasebandAttnDb == pstWrite->dBasebandAttnDb &&
@@ -67,6 +72,8 @@ static void CheckTxOutputPower(CalInterfaceHandle hCal, const char *sAnnouncemen
 {
     double dReadDbm = 0.0; /* zero when the read fails */
 
+    if (SessionEnded())
+        return;
     printf("%s", sAnnouncement);
     ReportTestError(Q7_SetTxOutputPower(hCal, dPowerDbm));
     const bool bRead = !ReportTestError(Q7_GetTxOutputPower(hCal, &dReadDbm));
@@ -77,6 +84,8 @@ static void CheckTxDiversitySwitch(CalInterfaceHandle hCal, const char *sAnnounc
 {
     uint32_t u32ReadPosition = 0; /* zero when the read fails */
 
+    if (SessionEnded())
+        return;
     printf("%s", sAnnouncement);
     ReportTestError(Q7_SetTxDiversitySwitch(hCal, u32Position));
     const bool bRead = !ReportTestError(Q7_GetTxDiversitySwitch(hCal, &u32ReadPosition));
@@ -97,11 +106,15 @@ int AutomatedTxGroupTest(CalInterfaceHandle hCal)
     PrintReadBlock(u32FirstReadSelector, &stRead);
     CheckTxAttn(hCal, u32FirstReadSelector, &stRead, 1, &stTx1Attn);
     CheckTxAttn(hCal, u32FirstReadSelector, &stRead, 2, &stTx2Attn);
+    if (SessionEnded())
+        return 0;
 
     PrintTestHeading("GetTxOutputPower and SetTxOutputPower");
     CheckTxOutputPower(hCal, "Setting power to +20 dBm ...", 20.0);
     CheckTxOutputPower(hCal, "Setting power to -20 dBm ...", -20.0);
     CheckTxOutputPower(hCal, "Setting poer to +10 dBm ...", 10.0);
+    if (SessionEnded())
+        return 0;
 
     PrintTestHeading("GetTxDiversitySwitch and SetTxDiversitySwitch");
     CheckTxDiversitySwitch(hCal, "Setting switch to 0 (antenna 1) ...", 0);

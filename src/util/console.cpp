@@ -82,6 +82,8 @@ static ssize_t WriteStandardOutput(void *pCookie, const char *pBytes, size_t uSi
 
 static void WriteThroughResumingStream(void)
 {
+    if (gs_pLibraryStdout != NULL)
+        return; /* once for the process */
     cookie_io_functions_t stFunctions;
     memset(&stFunctions, 0, sizeof stFunctions);
     stFunctions.write = WriteStandardOutput;

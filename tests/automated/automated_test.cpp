@@ -166,8 +166,9 @@ TEST_F(AutomatedTestTest, EndOfInputAbandonsTheGroupsLeftOnceAndRestoresTheMode)
         {"\n", "Testing GetRSSIReport and related commands", "TX COMMAND GROUP"},
         // At the pause inside the other-command group: the spectrum is not reset.
         {"\n\n\n\n", "Testing GetGPADCValue and SetGPDACValue", "ResetRxSpectrum"},
-        // At the LoadDSD prompt: its handler says it, and the driver does not again.
-        {"\n\n\n\n\n\n", "Testing GetMACAddress", "Testing ReadDSDBytes"},
+        // At the LoadDSD prompt: its handler says it, the driver does not again,
+        // and no DSD command runs after it.
+        {"\n\n\n\n\n\n", "Testing DSD Management Commands", "IsDSDValid:"},
     };
     for (const Case &c : cases) {
         std::string output = Run(c.answers);
@@ -294,6 +295,57 @@ TEST_F(AutomatedTestTest, ASignalEndsTheRunAtItsNextPauseWithTheModePoppedBack)
     EXPECT_FALSE(Contains(run.output, "Press Enter")) << "no pause waits once the signal came";
     EXPECT_FALSE(Contains(run.output, "Testing GetRxAntConfig")) << "the groups after it are abandoned";
     ExpectMode(0, 0, 0, 0);
+}
+
+// Once the session has ended the run sends only what puts the device back
+// (the band, register 30, the pops) and judges nothing more: no verdict is
+// taken without its settling time.
+TEST_F(AutomatedTestTest, ASignalMidRunPutsBackWhatTheGroupChangedAndJudgesNothingMore)
+{
+    uint32_t savedRegister = 0;
+    ASSERT_EQ(Q7_ReadRFICRegister(hCal, 0, 30, 1, &savedRegister), nullptr);
+    struct Case {
+        const char *operation;
+        unsigned nth;
+        size_t verdicts;  // given before the signal
+    } cases[] = {{"Q7_SetBandConfig", 2, 1}, {"Q7_WriteRFICRegister", 2, 16}};
+    for (const Case &c : cases) {
+        CatchStopSignalsInTest();
+        q7sim::control::OnEveryCall([&c, seen = 0u](const std::string &operation) mutable {
+            if (operation == c.operation && ++seen == c.nth)
+                raise(SIGTERM);
+        });
+        HandlerRun run = RunHandler(AutomatedTest, hCal, kRunAnswers);
+        ReleaseStopSignals();
+        EXPECT_EQ(Verdicts(run.output).size(), c.verdicts) << c.operation;
+        EXPECT_TRUE(EndsWith(run.output, "\nInterrupted by SIGTERM: command abandoned.\n" + std::string(kFinalPop)))
+            << run.output;
+        EXPECT_EQ(device().modes.band().centerFreqKHz, 2500000u) << c.operation;
+        EXPECT_EQ(device().modes.band().bandwidthKHz, 10000u) << c.operation;
+        uint32_t registerNow = 0;
+        EXPECT_EQ(Q7_ReadRFICRegister(hCal, 0, 30, 1, &registerNow), nullptr);
+        EXPECT_EQ(registerNow, savedRegister) << c.operation;
+        ExpectMode(0, 0, 0, 0);
+        q7sim::control::Reset();
+        SetUp();
+    }
+}
+
+// The final pop is confirmed by reading the mode back.
+TEST_F(AutomatedTestTest, AFinalPopThatDoesNotTakeIsSaid)
+{
+    q7sim::control::RecordCalls();
+    Run();
+    unsigned modeSets = 0;
+    for (const std::string &call : q7sim::control::Calls())
+        modeSets += call == "Q7_SetDeviceMode";
+    q7sim::control::Reset();
+    SetUp();
+    q7sim::control::FailCall("Q7_SetDeviceMode", modeSets, "Device busy");
+    HandlerRun run = RunHandler(AutomatedTest, hCal, kRunAnswers);
+    EXPECT_TRUE(EndsWith(run.output, std::string(kFinalPop) + "WARNING: The device mode is not restored: mode = 4 "
+                                                              "modulation = 1 CW Offset=1000 LoopbackTX=0\n"))
+        << run.output;
 }
 
 // ---- The loopback group stops at its first failing calibration ----

@@ -2,7 +2,8 @@
 # How a whole session ends, by its exit status: 3 when input ends inside a
 # command; 4 when standard output cannot be written (/dev/full, a closed
 # stdout, a pipe whose reader has gone); 128 + N after stop signal N, taken at
-# the menu and inside a command, both through the normal exit.
+# the menu and inside a command, both through the normal exit, and while a
+# write to a slow reader is blocked, with nothing of the output lost.
 # Usage: exit_status_test.sh PROGRAM
 set -u
 program=$1
@@ -58,6 +59,27 @@ signal_session '1\n4\n' "    DUT Mode        ? "
 expect_status "SIGTERM at a prompt of Set device mode" 143 $signal_status
 tail -c 100 "$work/out" | grep -q 'Interrupted by SIGTERM: command abandoned.' ||
   fail "SIGTERM inside a command: no abandon line: $(tail -c 200 "$work/out")"
+
+# SIGINT while a write is blocked on a full pipe: the write goes on once the
+# reader reads, and every line arrives.
+spectra=$(printf '5\n9\n3\n1\n'; for _ in $(seq 12); do printf '10\n'; done; printf -- '-1\n-1\n')
+rm -f "$work/fifo"
+mkfifo "$work/fifo"
+printf '%s\n' "$spectra" | env --default-signal=INT "$program" >"$work/fifo" 2>"$work/err" &
+pid=$!
+exec 4<"$work/fifo"
+for _ in $(seq 200); do
+  [ "$(cat /proc/$pid/wchan 2>/dev/null)" = pipe_write ] && break
+  sleep 0.05
+done
+kill -INT $pid
+cat <&4 >"$work/out"
+exec 4<&-
+wait $pid
+expect_status "SIGINT while a write is blocked" 130 $?
+[ -s "$work/err" ] && fail "SIGINT while a write is blocked: stderr says $(cat "$work/err")"
+[ "$(tail -n 1 "$work/out")" = "Closing application..." ] || fail "SIGINT while a write is blocked: output lost"
+[ "$(grep -c '^GetRxSpectrum was SUCCESSFUL.$' "$work/out")" -ge 1 ] || fail "SIGINT while a write is blocked: no spectrum"
 
 [ "$failures" -eq 0 ] && echo "exit statuses: all checks passed"
 exit $((failures > 0))

@@ -2,18 +2,23 @@
 // Each request is one write command (block, bytes, Flash 2.x image, region)
 // with random answers, one or two device faults on random calls of the
 // command (short reads, flipped bits, failed calls, ignored writes, writes
-// that stop part-way or fail part-way, refused keys), and sometimes end of
-// input at a random prompt or a stop signal at a random call. Afterwards:
+// that stop part-way or fail part-way, refused keys and keys the device never
+// issued, a region size query and an option read that lie), and sometimes
+// end of input at a random prompt, or a stop signal at a random call and
+// sometimes a second one of another kind after it. Afterwards:
 //  - every byte of every store holds its original value or the one the data
 //    write puts there;
 //  - when a restore was asked for and the stores are not back to their
-//    original contents, the output says so (the WARNING, a WRITE ERROR, or
-//    the block write's verify errors) and has no SUCCESSFUL line; so a
-//    command that claims a completed restore has made it;
+//    original contents, the output says so (the WARNING, the restore's WRITE
+//    ERROR, or the block write's verify errors; a failed data write is no
+//    such word) and has no SUCCESSFUL line; so a command that claims a
+//    completed restore has made it;
 //  - a WARNING ends the command with -1.
 #include <gtest/gtest.h>
 
 #include <signal.h>
+#include <sys/wait.h>
+#include <unistd.h>
 
 #include <algorithm>
 #include <cstdio>
@@ -169,8 +174,9 @@ struct Fault {
     std::function<void()> arm;
 };
 
-const char *const kDataCalls[] = {"Q7_ReadDSDBytes",  "Q7_ReadDSDRegionByID",           "Q7_WriteDSDBytes",
-                                  "Q7_WriteDSDRegionByID", "Q7_WriteFlash2xBytesWithHeader", "Q7_RequestDSDWriteKey"};
+const char *const kDataCalls[] = {"Q7_ReadDSDBytes",         "Q7_ReadDSDRegionByID",           "Q7_WriteDSDBytes",
+                                  "Q7_WriteDSDRegionByID",   "Q7_WriteFlash2xBytesWithHeader", "Q7_RequestDSDWriteKey",
+                                  "Q7_GetDSDRegionSizeByID", "Q7_GetOptionByID"};
 
 // A fault of a kind the call can show, on the `nth` call of `operation`.
 Fault RandomFault(std::mt19937 &rng, const std::string &operation, unsigned nth)
@@ -181,8 +187,16 @@ Fault RandomFault(std::mt19937 &rng, const std::string &operation, unsigned nth)
         if (operation == call)
             op = call;
     std::string at = " on " + operation + " call " + std::to_string(nth);
-    if (operation == "Q7_RequestDSDWriteKey")
+    if (operation == "Q7_RequestDSDWriteKey") {
+        if (pick(0, 1))
+            return {"forged key" + at, [nth] { control::ForgeWriteKey(nth); }};
         return {"refused key" + at, [op, nth] { control::FailCall(op, nth, "DSD write key refused"); }};
+    }
+    if (operation == "Q7_GetDSDRegionSizeByID" || operation == "Q7_GetOptionByID") {
+        // A region is at least 56 bytes; an answer may be too small or too large.
+        double offset = operation == "Q7_GetOptionByID" ? 1.0 : pick(0, 1) ? -double(pick(1, 50)) : pick(1, 200);
+        return {"lying answer" + at, [op, offset] { control::SkewOutput(op, 0, offset); }};
+    }
     uint32_t bytes = pick(0, 1) ? pick(0, 8) : pick(0, 1024);
     if (operation.rfind("Q7_Read", 0) == 0) {
         switch (pick(0, 2)) {
@@ -306,15 +320,25 @@ TEST_F(DsdWriteSafetyTest, NoStoreIsLeftChangedWithoutAWordWhateverTheDeviceDoes
             what += "; input ends at read " + std::to_string(*endAt + 1);
             break;
         case 1: {
+            // A signal, and sometimes a second of another kind later, while the
+            // command finishes what it must (a restore, say).
             const int signals[] = {SIGINT, SIGTERM, SIGHUP};
-            int sig = signals[pick(0, 2)];
+            uint32_t first = pick(0, 2);
+            int sig = signals[first];
+            int second = pick(0, 1) ? signals[(first + pick(1, 2)) % 3] : 0;
             unsigned at = pick(1, static_cast<uint32_t>(calls));
+            unsigned secondAt = at + pick(1, static_cast<uint32_t>(calls));
             unsigned count = 0;
-            control::OnEveryCall([sig, at, count](const std::string &) mutable {
-                if (++count == at)
+            control::OnEveryCall([sig, at, second, secondAt, count](const std::string &) mutable {
+                ++count;
+                if (count == at)
                     raise(sig);
+                if (second != 0 && count == secondAt)
+                    raise(second);
             });
             what += "; signal " + std::to_string(sig) + " at call " + std::to_string(at);
+            if (second != 0)
+                what += " and signal " + std::to_string(second) + " at call " + std::to_string(secondAt);
             break;
         }
         default:
@@ -332,7 +356,9 @@ TEST_F(DsdWriteSafetyTest, NoStoreIsLeftChangedWithoutAWordWhateverTheDeviceDoes
         EXPECT_EQ(foreign, 0u) << "bytes that are neither original nor written";
 
         bool warned = Contains(output, "\nWARNING: Original data not restored, because ");
-        bool said = warned || Contains(output, "WRITE ERROR: ") ||
+        size_t restoring = output.find("Restoring original");
+        bool restoreFailed = restoring != std::string::npos && output.find("WRITE ERROR: ", restoring) != std::string::npos;
+        bool said = warned || restoreFailed ||
                     (Contains(output, " verify errors.\n") && !Contains(output, "\n0 verify errors.\n"));
         if (run.restoreAsked && after != original) {
             EXPECT_TRUE(said) << "a restore was asked for, and the store was left changed without a word";
@@ -347,11 +373,104 @@ TEST_F(DsdWriteSafetyTest, NoStoreIsLeftChangedWithoutAWordWhateverTheDeviceDoes
         seen["a restore confirmed"] += run.restoreAsked && !warned && Contains(output, "Restoring original");
         seen["the original read twice in disagreement"] += Contains(output, "read differently twice");
         seen["an interrupted session"] += Contains(output, "Interrupted by SIG");
+        seen["a size query that disagrees with the read"] += Contains(output, "size query answered");
+        seen["a failed write looked at"] += Contains(output, "The DSD range is unchanged.");
         if (HasFailure())
             break;
     }
     for (const auto &[outcome, count] : seen)
         EXPECT_GE(count, 10) << outcome;
+}
+
+// Standard output that dies in the middle of a write: it is a pipe read by a
+// real child process (head) that has exited by the moment of a chosen device
+// call. Every line that says the device was left changed reaches standard
+// error then, where the engineer can still read it.
+TEST_F(DsdWriteSafetyTest, WhatTheDeviceWasLeftWithReachesStderrOnceStdoutHasDied)
+{
+    struct Case {
+        const char *what;
+        int (*handler)(CalInterfaceHandle);
+        const char *answers;
+        std::function<void()> arm;
+        const char *deathAt;  // stdout is gone from the first call of this operation on
+        std::vector<std::string> stderrLines;
+    } cases[] = {
+        {"a refused restore key", TestWriteDSDBlock, "100\n2\n1\n1\n3\n5A\n1\n", [] { control::ForgeWriteKey(2); },
+         "Q7_WriteDSDBytes", {"q7cal: WRITE ERROR: "}},
+        {"verify errors that withheld the restore", TestWriteDSDBlock, "100\n2\n1\n1\n3\n5A\n1\n",
+         [] { control::FlipBitOnRead("Q7_ReadDSDBytes", 3, 0, 0x01); }, "Q7_ReadDSDBytes#3", {"q7cal: 1 verify errors."}},
+        {"a data write that failed part-way", TestWriteDSDRegionByID, "5\n1\n20\n",
+         [] { control::FailWriteAfter("Q7_WriteDSDRegionByID", 1, 5); }, "Q7_WriteDSDRegionByID",
+         {"q7cal: WRITE ERROR: NVM write failed after 5 bytes",
+          "q7cal: WARNING: Original data not restored, because the failed write changed the range before the restore "
+          "question."}},
+        {"a restore that did not read back", TestWriteDSDBytes, "100\n4\n1\n1\n3\n77\n1\n",
+         [] { control::FailCall("Q7_ReadDSDBytes", 3, "NVM read timed out"); }, "Q7_WriteDSDBytes",
+         {"q7cal: READ ERROR: NVM read timed out",
+          "q7cal: WARNING: Original data not restored, because the restored data could not be read back."}},
+    };
+    for (const Case &c : cases) {
+        SCOPED_TRACE(c.what);
+        int toReader[2];
+        ASSERT_EQ(pipe(toReader), 0);
+        pid_t reader = fork();
+        ASSERT_GE(reader, 0);
+        if (reader == 0) {
+            dup2(toReader[0], STDIN_FILENO);
+            close(toReader[0]);
+            close(toReader[1]);
+            execlp("sh", "sh", "-c", "head -c 1 >/dev/null", static_cast<char *>(nullptr));
+            _exit(127);
+        }
+        close(toReader[0]);
+        std::string target = c.deathAt;
+        unsigned nth = 1;
+        if (size_t hash = target.find('#'); hash != std::string::npos) {
+            nth = static_cast<unsigned>(std::stoul(target.substr(hash + 1)));
+            target.erase(hash);
+        }
+        c.arm();
+        unsigned seenCalls = 0;
+        control::OnEveryCall([&](const std::string &operation) {
+            if (operation == target && ++seenCalls == nth)
+                waitpid(reader, nullptr, 0);  // it read its byte and is gone
+        });
+
+        FILE *answers = std::tmpfile();
+        FILE *errors = std::tmpfile();
+        std::fputs(c.answers, answers);
+        std::rewind(answers);
+        std::fflush(stdout);
+        std::fflush(stderr);
+        FILE *savedIn = stdin, *savedOut = stdout;
+        int savedErr = dup(STDERR_FILENO);
+        dup2(fileno(errors), STDERR_FILENO);
+        stdin = answers;
+        stdout = fdopen(toReader[1], "w");
+        ResetInputState();
+        int result = c.handler(hCal);
+        FinishOutput();
+        std::fclose(stdout);
+        stdin = savedIn;
+        stdout = savedOut;
+        std::fflush(stderr);
+        dup2(savedErr, STDERR_FILENO);
+        close(savedErr);
+        waitpid(reader, nullptr, WNOHANG);
+
+        std::string said(1024, '\0');
+        std::rewind(errors);
+        said.resize(std::fread(&said[0], 1, said.size(), errors));
+        std::fclose(answers);
+        std::fclose(errors);
+        EXPECT_EQ(result, -1);
+        for (const std::string &line : c.stderrLines)
+            EXPECT_TRUE(Contains(said, line + "\n") || Contains(said, line)) << "stderr:\n" << said;
+        EXPECT_TRUE(Contains(said, "q7cal: write error on standard output: ")) << said;
+        control::Reset();
+        SimulatedDeviceTest::SetUp();
+    }
 }
 
 }  // namespace

@@ -181,7 +181,7 @@ TEST_F(DsdWritingTest, ARegionVerifyErrorStillLetsTheRegionBeRestored)
 {
     std::vector<uint8_t> before = DsdStores();
     std::string size = std::to_string(Region(7).size());
-    q7sim::control::FlipBitOnRead("Q7_ReadDSDRegionByID", 3, 20, 0x01);  // in the zeroed rest
+    q7sim::control::FlipBitOnRead("Q7_ReadDSDRegionByID", 4, 20, 0x01);  // in the zeroed rest
     HandlerRun run = RunHandler(TestWriteDSDRegionByID, hCal, "7\n1\n10\n1\n1\n");
     EXPECT_EQ(run.result, -1);
     EXPECT_EQ(run.output,
@@ -271,7 +271,13 @@ TEST_F(DsdWritingTest, EachWayAWriteCanGoWrongIsSaidInItsOwnWords)
         {"original read fails", TestWriteDSDBlock, "100\n2\n1\n1\n",
          [] { control::FailNext("Q7_ReadDSDBytes", 1, "NVM read timed out"); },
          "\n    Restore contents (1=yes/0=no) ? \nREAD ERROR: NVM read timed out\n", -1},
-        {"original read short", TestWriteDSDRegionByID, "7\n1\n", [] { control::ShortRead("Q7_ReadDSDRegionByID", 1, 700); },
+        {"region shorter than its size query", TestWriteDSDRegionByID, "7\n1\n",
+         [] { control::ShortRead("Q7_ReadDSDRegionByID", 1, 700); },
+         "\nERROR: The region's size query answered 760 bytes and its read 700 bytes: nothing was written\n", -1},
+        {"region larger than its size query says", TestWriteDSDRegionByID, "5\n1\n",
+         [] { control::SkewOutput("Q7_GetDSDRegionSizeByID", 0, -148); },
+         "\nERROR: The region's size query answered 100 bytes and its read 248 bytes: nothing was written\n", -1},
+        {"original read short", TestWriteDSDRegionByID, "7\n1\n", [] { control::ShortRead("Q7_ReadDSDRegionByID", 2, 700); },
          "\nERROR: Only 700 of the 760 bytes of the original contents could be read: nothing was written\n", -1},
         {"original reads disagree", TestWriteDSDBytes, "100\n4\n1\n1\n",
          [] { control::FlipBitOnRead("Q7_ReadDSDBytes", 2, 0, 0x01); },
@@ -282,8 +288,21 @@ TEST_F(DsdWritingTest, EachWayAWriteCanGoWrongIsSaidInItsOwnWords)
              "the verification read failed.\n",
          -1},
         {"a short verification read reads as 0", TestWriteDSDRegionByID, "7\n1\n0\n1\n0\n",
-         [] { control::ShortRead("Q7_ReadDSDRegionByID", 3, 0); },
+         [] { control::ShortRead("Q7_ReadDSDRegionByID", 4, 0); },
          "\n\n0 verify errors.\n\n    Restore contents (1=yes/0=no) ? \nWriteDSDRegionByID was SUCCESSFUL.\n", 0},
+        {"data write refused, nothing changed", TestWriteDSDBytes, "100\n4\n1\n1\n3\n77\n",
+         [] { control::FailNext("Q7_WriteDSDBytes", 1, "NVM write failed"); },
+         "\nWRITE ERROR: NVM write failed\n\nThe DSD range is unchanged.\n", -1},
+        {"data write fails part-way, restore asked", TestWriteDSDBlock, "200\n4\n1\n1\n3\nCAFEF00D\n",
+         [] { control::FailWriteAfter("Q7_WriteDSDBytes", 1, 5); },
+         "\nWRITE ERROR: NVM write failed after 5 bytes\n\nRestoring original DSD  values ... \n"
+         "\n    Number of 32-bit words actually written = 4\n",
+         -1},
+        {"region write fails part-way, no restore asked yet", TestWriteDSDRegionByID, "7\n1\n10\n",
+         [] { control::FailWriteAfter("Q7_WriteDSDRegionByID", 1, 5); },
+         "\nWRITE ERROR: NVM write failed after 5 bytes\n" + std::string(kWarning) +
+             "the failed write changed the range before the restore question.\n",
+         -1},
         {"restore fails", TestWriteDSDBlock, "200\n1\n1\n1\n3\nCAFEF00D\n0\n",
          [] { control::FailCall("Q7_WriteDSDBytes", 2, "NVM write failed"); },
          "\nRestoring original DSD  values ... \n\nWRITE ERROR: NVM write failed\n", -1},
