@@ -50,11 +50,13 @@ need() {  # PACKAGE CHECK...: the package unless the check passes
   "$@" >/dev/null 2>&1 || missing+=("$package")
 }
 
-# The program and the simulated device.
+# The program and the simulated device; libedit for line editing at a
+# terminal (the program loads it only there, and runs without it).
 run_tools() {
   need cmake has cmake
   need g++ has g++
   need make has make
+  need libedit-dev test -f /usr/include/histedit.h
 }
 # Plain make: also q7cal-report, whose JUnit and JSON writers these are.
 build_tools() {
