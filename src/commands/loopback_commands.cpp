@@ -80,9 +80,12 @@ int TestCalibrateTxGains(CalInterfaceHandle hCal)
 
 int TestCalibrateTxPoutFreqCorr(CalInterfaceHandle hCal)
 {
-    return SetUnsignedCommand(hCal, "Calibrate Tx Pout frequency correction:",
-                              "Please specify index of frequency in scan list [0:11]: ", Q7_CalibrateTxPoutFreqCorr,
-                              "CalibrateTxPoutFreqCorr");
+    uint32_t u32Value = 0;
+
+    if (!BeginCommand(hCal, "Calibrate Tx Pout frequency correction:") ||
+        !ReadUnsigned(&u32Value, "Please specify index of frequency in scan list [0:11]: "))
+        return -1;
+    return ReportOutcome(Q7_CalibrateTxPoutFreqCorr(hCal, u32Value), "CalibrateTxPoutFreqCorr");
 }
 
 int TestCalibrateFESteps(CalInterfaceHandle hCal)

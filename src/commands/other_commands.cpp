@@ -98,7 +98,7 @@ int TestGetTemperature(CalInterfaceHandle hCal)
 {
     double dDegreesC = 0.0;
 
-    if (!GetDoubleValue(hCal, "\nGetTemperature:", Q7_GetTemperature, &dDegreesC))
+    if (!BeginCommand(hCal, "\nGetTemperature:") || ReportError(Q7_GetTemperature(hCal, &dDegreesC)))
         return -1;
     printf("    Temperature = %.0f C\n", dDegreesC);
     return ReportSuccess("GetTemperature");

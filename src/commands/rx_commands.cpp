@@ -37,7 +37,7 @@ int TestGetRxAntConfig(CalInterfaceHandle hCal)
 {
     uint32_t u32RxAntConfig = 0;
 
-    if (!GetUnsignedValue(hCal, "\nGetRxAntConfig:", Q7_GetRxAntConfig, &u32RxAntConfig))
+    if (!BeginCommand(hCal, "\nGetRxAntConfig:") || ReportError(Q7_GetRxAntConfig(hCal, &u32RxAntConfig)))
         return -1;
     printf("    RxAntConfig = %s\n", RxAntConfigName(u32RxAntConfig));
     return ReportSuccess("GetRxAntConfig");
@@ -73,7 +73,9 @@ int TestIsSync(CalInterfaceHandle hCal)
 
 int TestForceReSync(CalInterfaceHandle hCal)
 {
-    return ActionCommand(hCal, "\nForce Re-sync:", Q7_ForceReSync, "ForceReSync");
+    if (!BeginCommand(hCal, "\nForce Re-sync:"))
+        return -1;
+    return ReportOutcome(Q7_ForceReSync(hCal), "ForceReSync");
 }
 
 int TestSetAGCMode(CalInterfaceHandle hCal)
@@ -198,8 +200,9 @@ int TestGetPerAntThermalNoise(CalInterfaceHandle hCal)
 
 int TestResetFrameErrorStatistics(CalInterfaceHandle hCal)
 {
-    return ActionCommand(hCal, "\nResetFrameErrorStatistics:", Q7_ResetFrameErrorStatistics,
-                         "ResetFrameErrorStatistics");
+    if (!BeginCommand(hCal, "\nResetFrameErrorStatistics:"))
+        return -1;
+    return ReportOutcome(Q7_ResetFrameErrorStatistics(hCal), "ResetFrameErrorStatistics");
 }
 
 int TestGetFrameErrorStatistics(CalInterfaceHandle hCal)

@@ -75,7 +75,7 @@ int TestGetTxOutputPower(CalInterfaceHandle hCal)
 {
     double dPowerDbm = 0.0;
 
-    if (!GetDoubleValue(hCal, "\nGetTxOutputPower:", Q7_GetTxOutputPower, &dPowerDbm))
+    if (!BeginCommand(hCal, "\nGetTxOutputPower:") || ReportError(Q7_GetTxOutputPower(hCal, &dPowerDbm)))
         return -1;
     printf("    Tx output power = %lg dBm\n", dPowerDbm);
     return ReportSuccess("GetTxOutputPower");
@@ -83,15 +83,19 @@ int TestGetTxOutputPower(CalInterfaceHandle hCal)
 
 int TestSetTxOutputPower(CalInterfaceHandle hCal)
 {
-    return SetDoubleCommand(hCal, "\nSetTxOutputPower:", "     Tx output power (double, -40 to +35 dBm) ? ",
-                            Q7_SetTxOutputPower, "SetTxOutputPower");
+    double dValue = 0.0;
+
+    if (!BeginCommand(hCal, "\nSetTxOutputPower:") ||
+        !ReadDouble(&dValue, "     Tx output power (double, -40 to +35 dBm) ? "))
+        return -1;
+    return ReportOutcome(Q7_SetTxOutputPower(hCal, dValue), "SetTxOutputPower");
 }
 
 int TestGetTxDiversitySwitch(CalInterfaceHandle hCal)
 {
     uint32_t u32Switch = 0;
 
-    if (!GetUnsignedValue(hCal, "\nGetTxDiversitySwitch:", Q7_GetTxDiversitySwitch, &u32Switch))
+    if (!BeginCommand(hCal, "\nGetTxDiversitySwitch:") || ReportError(Q7_GetTxDiversitySwitch(hCal, &u32Switch)))
         return -1;
     printf("    Tx diversity switch = %u (%s)\n", u32Switch, u32Switch == 0 ? "Antenna 1" : "Antenna 2");
     return ReportSuccess("GetTxDiversitySwitch");
@@ -99,15 +103,19 @@ int TestGetTxDiversitySwitch(CalInterfaceHandle hCal)
 
 int TestSetTxDiversitySwitch(CalInterfaceHandle hCal)
 {
-    return SetUnsignedCommand(hCal, "\nSetTxDiversitySwitch:", "     Tx diversity switch (0=Ant 1; 1=Ant 2) ? ",
-                              Q7_SetTxDiversitySwitch, "SetTxDiversitySwitch");
+    uint32_t u32Value = 0;
+
+    if (!BeginCommand(hCal, "\nSetTxDiversitySwitch:") ||
+        !ReadUnsigned(&u32Value, "     Tx diversity switch (0=Ant 1; 1=Ant 2) ? "))
+        return -1;
+    return ReportOutcome(Q7_SetTxDiversitySwitch(hCal, u32Value), "SetTxDiversitySwitch");
 }
 
 int TestGetActiveTX(CalInterfaceHandle hCal)
 {
     uint32_t u32ActiveTx = 0;
 
-    if (!GetUnsignedValue(hCal, "\nGetActiveTx:", Q7_GetActiveTX, &u32ActiveTx))
+    if (!BeginCommand(hCal, "\nGetActiveTx:") || ReportError(Q7_GetActiveTX(hCal, &u32ActiveTx)))
         return -1;
     /* No line end: the SUCCESSFUL line, which starts with one, ends this line. */
     printf(" %s(%u)", ActiveTxName(u32ActiveTx), u32ActiveTx);
@@ -116,16 +124,19 @@ int TestGetActiveTX(CalInterfaceHandle hCal)
 
 int TestSetActiveTX(CalInterfaceHandle hCal)
 {
-    return SetUnsignedCommand(hCal, "\nSetActiveTx:",
-                              "please enter: 0=neither enabled 1=TX1 enable 2=TX2 enable 3=TX1 & TX2 enable \n",
-                              Q7_SetActiveTX, "SetActiveTX");
+    uint32_t u32Value = 0;
+
+    if (!BeginCommand(hCal, "\nSetActiveTx:") ||
+        !ReadUnsigned(&u32Value, "please enter: 0=neither enabled 1=TX1 enable 2=TX2 enable 3=TX1 & TX2 enable \n"))
+        return -1;
+    return ReportOutcome(Q7_SetActiveTX(hCal, u32Value), "SetActiveTX");
 }
 
 int TestGetTxBackoff(CalInterfaceHandle hCal)
 {
     double dBackoff = 0.0;
 
-    if (!GetDoubleValue(hCal, "\nGetTxBackoff:", Q7_GetTxBackoff, &dBackoff))
+    if (!BeginCommand(hCal, "\nGetTxBackoff:") || ReportError(Q7_GetTxBackoff(hCal, &dBackoff)))
         return -1;
     printf("    TxBackoff    = %g\n", dBackoff);
     return ReportSuccess("GetTxBackoff");
@@ -133,7 +144,12 @@ int TestGetTxBackoff(CalInterfaceHandle hCal)
 
 int TestSetTxBackoff(CalInterfaceHandle hCal)
 {
-    return SetDoubleCommand(hCal, "\nSetTXBackoff:", "please enter TXBackoff: ", Q7_SetTxBackoff, "SetTxBackoff");
+    double dValue = 0.0;
+
+    if (!BeginCommand(hCal, "\nSetTXBackoff:") ||
+        !ReadDouble(&dValue, "please enter TXBackoff: "))
+        return -1;
+    return ReportOutcome(Q7_SetTxBackoff(hCal, dValue), "SetTxBackoff");
 }
 
 int TestGetTxGCWord(CalInterfaceHandle hCal)
@@ -167,7 +183,7 @@ int TestGetTxPhiWord(CalInterfaceHandle hCal)
 {
     uint32_t u32PhiWord = 0;
 
-    if (!GetUnsignedValue(hCal, "\nGetTxPhiWord:", Q7_GetTxPhiWord, &u32PhiWord))
+    if (!BeginCommand(hCal, "\nGetTxPhiWord:") || ReportError(Q7_GetTxPhiWord(hCal, &u32PhiWord)))
         return -1;
     printf(" %u", u32PhiWord);
     return ReportSuccess("GetTxPhiWord");
@@ -175,15 +191,19 @@ int TestGetTxPhiWord(CalInterfaceHandle hCal)
 
 int TestSetTxPhiWord(CalInterfaceHandle hCal)
 {
-    return SetUnsignedCommand(hCal, "\nSetTxPhiWord:", "please enter level of \" PhiWord\" : ", Q7_SetTxPhiWord,
-                              "SetTxPhiWord");
+    uint32_t u32Value = 0;
+
+    if (!BeginCommand(hCal, "\nSetTxPhiWord:") ||
+        !ReadUnsigned(&u32Value, "please enter level of \" PhiWord\" : "))
+        return -1;
+    return ReportOutcome(Q7_SetTxPhiWord(hCal, u32Value), "SetTxPhiWord");
 }
 
 int TestGetFeedbackCalAttn(CalInterfaceHandle hCal)
 {
     uint32_t u32Attn = 0;
 
-    if (!GetUnsignedValue(hCal, "\nGetFeedbackCalAttn:", Q7_GetFeedbackCalAttn, &u32Attn))
+    if (!BeginCommand(hCal, "\nGetFeedbackCalAttn:") || ReportError(Q7_GetFeedbackCalAttn(hCal, &u32Attn)))
         return -1;
     printf(" %u", u32Attn);
     return ReportSuccess("GetFeedbackCalAttn");
@@ -191,25 +211,30 @@ int TestGetFeedbackCalAttn(CalInterfaceHandle hCal)
 
 int TestSetFeedbackCalAttn(CalInterfaceHandle hCal)
 {
-    return SetUnsignedCommand(hCal, "\nSetFeedbackCalAttn:", "please enter FeedbackCalAttn: ",
-                              Q7_SetFeedbackCalAttn, "SetFeedbackCalAttn");
+    uint32_t u32Value = 0;
+
+    if (!BeginCommand(hCal, "\nSetFeedbackCalAttn:") ||
+        !ReadUnsigned(&u32Value, "please enter FeedbackCalAttn: "))
+        return -1;
+    return ReportOutcome(Q7_SetFeedbackCalAttn(hCal, u32Value), "SetFeedbackCalAttn");
 }
 
 int TestSetLCLControllerState(CalInterfaceHandle hCal)
 {
     /* The control loop's operation is spelled with "LFL". */
-    return SetSignedCommand(hCal, "\nSetLCLControllerState:",
-                            "please enter: "
-                            "0=Freeze control loop"
-                            "1=Enable control loop",
-                            Q7_SetLFLControllerState, "SetLCLControllerState");
+    int32_t i32Value = 0;
+
+    if (!BeginCommand(hCal, "\nSetLCLControllerState:") ||
+        !ReadSigned(&i32Value, "please enter: " "0=Freeze control loop" "1=Enable control loop"))
+        return -1;
+    return ReportOutcome(Q7_SetLFLControllerState(hCal, i32Value), "SetLCLControllerState");
 }
 
 int TestGetRFAsymmetry(CalInterfaceHandle hCal)
 {
     int32_t i32AsymmetryKHz = 0;
 
-    if (!GetSignedValue(hCal, "\nGetRFAsymmetry:", Q7_GetRFAsymmetry, &i32AsymmetryKHz))
+    if (!BeginCommand(hCal, "\nGetRFAsymmetry:") || ReportError(Q7_GetRFAsymmetry(hCal, &i32AsymmetryKHz)))
         return -1;
     printf("RFAsymmetry  = %d KHz\n", i32AsymmetryKHz);
     return ReportSuccess("GetRFAsymmetry");
@@ -217,8 +242,12 @@ int TestGetRFAsymmetry(CalInterfaceHandle hCal)
 
 int TestSetRFAsymmetry(CalInterfaceHandle hCal)
 {
-    return SetSignedCommand(hCal, "\nSetRFAsymmetry:", " RFAsymmetry (-31 to 32)?", Q7_SetRFAsymmetry,
-                            "SetRFAsymmetry");
+    int32_t i32Value = 0;
+
+    if (!BeginCommand(hCal, "\nSetRFAsymmetry:") ||
+        !ReadSigned(&i32Value, " RFAsymmetry (-31 to 32)?"))
+        return -1;
+    return ReportOutcome(Q7_SetRFAsymmetry(hCal, i32Value), "SetRFAsymmetry");
 }
 
 int TestSetTxDecoderMode(CalInterfaceHandle hCal)

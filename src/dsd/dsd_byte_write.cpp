@@ -169,7 +169,8 @@ int Q7_WriteDSDBytesEx(CalInterfaceHandle hCal, uint32_t u32Flash2x)
     printf("    NVM mode is %d\n\n", (int)i32NvmMode);
     puts("Bytes to be written:");
     stWrite.bFlash2x = u32Flash2x != 0;
-    if (!ReadHex(&u32Address, "%s", stWrite.bFlash2x ? "    Flash memory offset (hex) ? " : "    DSD address (hex) ? ") ||
+    if (!ReadHex(&u32Address, "%s",
+                 stWrite.bFlash2x ? "    Flash memory offset (hex) ? " : "    DSD address (hex) ? ") ||
         !ReadUnsigned(&stWrite.u32Size, "    Size in bytes (dec)       ? "))
         return -1;
     stWrite.u32WriteMode = FLASH2X_FILL_GAP;

@@ -65,7 +65,7 @@ int TestIsDSDValid(CalInterfaceHandle hCal)
 {
     uint32_t u32Valid = 0;
 
-    if (!GetUnsignedValue(hCal, "\nIsDSDValid:", Q7_IsDSDValid, &u32Valid))
+    if (!BeginCommand(hCal, "\nIsDSDValid:") || ReportError(Q7_IsDSDValid(hCal, &u32Valid)))
         return -1;
     printf("    %s checksum is %s VALID\n", "DSD", ValidityWord(u32Valid));
     return ReportSuccess("IsDSDValid");
@@ -105,7 +105,7 @@ int TestIsCalibrationValid(CalInterfaceHandle hCal)
 {
     uint32_t u32Valid = 0;
 
-    if (!GetUnsignedValue(hCal, "\nIsCalibrationValid:", Q7_IsCalibrationValid, &u32Valid))
+    if (!BeginCommand(hCal, "\nIsCalibrationValid:") || ReportError(Q7_IsCalibrationValid(hCal, &u32Valid)))
         return -1;
     printf("    Calibration state = %s\n", u32Valid != 0 ? "VALID" : "NOT VALID");
     return ReportSuccess("IsCalibrationValid");
@@ -149,7 +149,7 @@ int TestGetNVMSize(CalInterfaceHandle hCal)
 {
     uint32_t u32DsdSize = 0;
 
-    if (!GetUnsignedValue(hCal, "\nGetNVMSize:", Q7_GetNVMSize, &u32DsdSize))
+    if (!BeginCommand(hCal, "\nGetNVMSize:") || ReportError(Q7_GetNVMSize(hCal, &u32DsdSize)))
         return -1;
     printf("    DSD size = %d bytes\n", (int)u32DsdSize);
     return ReportSuccess("GetNVMSize");
@@ -191,8 +191,12 @@ int TestGetFlashDSDInfo(CalInterfaceHandle hCal)
 
 int TestSelectActiveDSDSection(CalInterfaceHandle hCal)
 {
-    return SetUnsignedCommand(hCal, "\nSelectActiveDSDSection:", DSD_SECTION_PROMPT, Q7_SelectActiveDSDSection,
-                              "SelectActiveDSDSection");
+    uint32_t u32Value = 0;
+
+    if (!BeginCommand(hCal, "\nSelectActiveDSDSection:") ||
+        !ReadUnsigned(&u32Value, DSD_SECTION_PROMPT))
+        return -1;
+    return ReportOutcome(Q7_SelectActiveDSDSection(hCal, u32Value), "SelectActiveDSDSection");
 }
 
 int TestInitializeFlash(CalInterfaceHandle hCal)
@@ -212,8 +216,12 @@ int TestInitializeFlash(CalInterfaceHandle hCal)
 
 int TestSelectCurrentDSDSection(CalInterfaceHandle hCal)
 {
-    return SetUnsignedCommand(hCal, "\nSelectCurrentDSDSection:", DSD_SECTION_PROMPT, Q7_SelectCurrentDSDSection,
-                              "SelectCurrentDSDSection");
+    uint32_t u32Value = 0;
+
+    if (!BeginCommand(hCal, "\nSelectCurrentDSDSection:") ||
+        !ReadUnsigned(&u32Value, DSD_SECTION_PROMPT))
+        return -1;
+    return ReportOutcome(Q7_SelectCurrentDSDSection(hCal, u32Value), "SelectCurrentDSDSection");
 }
 
 int TestCopyDSDSection(CalInterfaceHandle hCal)

@@ -150,7 +150,8 @@ int RestoreAndConfirm(const DsdRange *pRange, const DsdAreas *pAreas, const char
     if (u32Written < pRange->u32Size)
         return WarnNotRestored("the restore wrote %u of %u bytes", u32Written, pRange->u32Size);
     if (!HoldsOriginal(pRange, pAreas, &bRead))
-        return WarnNotRestored(bRead ? "the restored data did not read back" : "the restored data could not be read back");
+        return WarnNotRestored(bRead ? "the restored data did not read back"
+                                     : "the restored data could not be read back");
     return 0;
 }
 
@@ -231,7 +232,8 @@ bool FillDataPattern(const PatternElement *pElement, uint8_t *pu8Area, uint32_t 
             StoreElement(pElement, pu8Area, i, pElement->pfnRandom());
         break;
     case 2:
-        if (!ReadHex(&u32Value, "    Starting value (hex) ? ") || !ReadHex(&u32Increment, "    Increment      (hex) ? "))
+        if (!ReadHex(&u32Value, "    Starting value (hex) ? ") ||
+            !ReadHex(&u32Increment, "    Increment      (hex) ? "))
             return false;
         for (uint32_t i = 0; i < u32Count; i++)
             StoreElement(pElement, pu8Area, i, u32Value + i * u32Increment);
