@@ -3,6 +3,8 @@
 #include <stdio.h>
 #include <stdlib.h>
 
+#include "host_time.h"
+
 #define CONNECT_ATTEMPTS 10
 #define CONNECT_RETRY_MS 1000u
 #define CAL_INTERFACE_BUFFER_SIZE 128

@@ -20,7 +20,4 @@ int Initialize(CalInterfaceHandle hCal);
  * their results are not looked at. */
 void CloseApplication(CalInterfaceHandle hCal);
 
-/* Sleeps the given milliseconds; 0 returns at once. */
-void Q7_SleepMs(uint32_t u32Milliseconds);
-
 #endif /* Q7_CONNECTION_H */

@@ -4,9 +4,7 @@
 #include <sys/time.h>
 #include <unistd.h>
 
-#include "connection.h"
 #include "console.h"
-#include "data_utils.h"
 
 static void HostSleepMs(uint32_t u32Milliseconds)
 {

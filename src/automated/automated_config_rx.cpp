@@ -3,8 +3,8 @@
 
 #include "automated.h"
 #include "commands.h"
-#include "connection.h"
 #include "console.h"
+#include "host_time.h"
 
 /* One band write/read-back check, with its write line; nothing once the
  * session has ended, and no verdict when it ends during the wait. */

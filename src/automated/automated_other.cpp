@@ -6,8 +6,8 @@
 #include "automated.h"
 #include "command_steps.h"
 #include "commands.h"
-#include "connection.h"
 #include "console.h"
+#include "host_time.h"
 
 /* GPIO 10, 11 and 12 drive the LEDs. */
 #define LED_PIN_FIRST 10u

@@ -4,8 +4,8 @@
 
 #include "automated.h"
 #include "command_steps.h"
-#include "connection.h"
 #include "console.h"
+#include "host_time.h"
 
 /* The six attenuator settings of one transmitter. */
 typedef struct TxAttnSettings {

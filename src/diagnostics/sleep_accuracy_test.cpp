@@ -4,8 +4,8 @@
 #include <stdio.h>
 
 #include "command_steps.h"
-#include "connection.h"
 #include "console.h"
+#include "host_time.h"
 #include "data_utils.h"
 #include "diagnostics.h"
 

@@ -11,9 +11,6 @@ uint32_t Q7_rand32(void);
  * display offset of its first byte, each byte as " %02X"; ends with one newline. */
 void Q7_HexByteDump(const uint8_t *pu8Data, uint32_t u32FirstOffset, uint32_t u32Count);
 
-/* Wall-clock milliseconds with microsecond resolution; take differences. */
-double GetElapsedTimeMs(void);
-
 /* The value of four bytes stored most significant first, in host order. */
 uint32_t FromBigEndianUINT32(uint32_t u32Value);
 

@@ -3,7 +3,6 @@
 #include <string>
 #include <vector>
 
-#include "connection.h"
 #include "console_capture.h"
 #include "data_utils.h"
 #include "diagnostics.h"
