@@ -90,7 +90,7 @@ static void RestoreTestRegister(CalInterfaceHandle hCal, uint32_t u32Saved)
         PrintDeviceNotice("WARNING: Reg 30 is not restored: it reads %04X\n", u32Read);
 }
 
-static void TestLedPinsAndWritePermission(CalInterfaceHandle hCal)
+static void RunLedPinSection(CalInterfaceHandle hCal)
 {
     GpioState stGpio = {0, 0, 0};
 
@@ -133,7 +133,7 @@ static void TestLedPinsAndWritePermission(CalInterfaceHandle hCal)
     PrintGpioState(&stGpio);
 }
 
-static void TestRficRegister(CalInterfaceHandle hCal)
+static void RunRficRegisterSection(CalInterfaceHandle hCal)
 {
     uint32_t u32ChipId = 0;
     uint32_t u32Saved = 0;
@@ -165,7 +165,7 @@ static void TestRficRegister(CalInterfaceHandle hCal)
            Verdict(bRead && u32Read == u32Saved));
 }
 
-static void TestGpAdcAndDac(CalInterfaceHandle hCal)
+static void RunGpAdcAndDacSection(CalInterfaceHandle hCal)
 {
     PrintTestHeading("GetGPADCValue and SetGPDACValue");
     printf("Testing Get GP ADC Value ");
@@ -185,17 +185,17 @@ static void TestGpAdcAndDac(CalInterfaceHandle hCal)
 
 int AutomatedOtherCommandGroupTest(CalInterfaceHandle hCal)
 {
-    TestLedPinsAndWritePermission(hCal);
+    RunLedPinSection(hCal);
     if (SessionEnded())
         return -1;
-    TestRficRegister(hCal);
+    RunRficRegisterSection(hCal);
     if (SessionEnded())
         return -1;
     PrintTestHeading("GetTemperature");
     (void)TestGetTemperature(hCal);
     if (SessionEnded())
         return -1;
-    TestGpAdcAndDac(hCal);
+    RunGpAdcAndDacSection(hCal);
     PressEnterToContinue(); /* the engineer reads the results before the spectrum */
     if (SessionEnded())
         return -1;

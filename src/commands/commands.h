@@ -28,6 +28,9 @@ int TestResetFrameErrorStatistics(CalInterfaceHandle hCal);
 int TestGetFrameErrorStatistics(CalInterfaceHandle hCal);
 
 /* Tx Commands */
+/* The TxSelector prompt of the Tx commands and calibrations that take all
+ * four selectors. */
+#define TX_SELECTOR_PROMPT "0 = current active transmitter  1 = TX1 2 = TX2 3 =TX1 & TX2: "
 int TestGetTxAttn(CalInterfaceHandle hCal);
 int TestSetTxAttn(CalInterfaceHandle hCal);
 int TestGetTxOutputPower(CalInterfaceHandle hCal);

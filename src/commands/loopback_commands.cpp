@@ -119,7 +119,7 @@ int TestCalibrateTxExtAttnStep(CalInterfaceHandle hCal)
 
     if (!BeginCommand(hCal, "Calibrate Tx external attenuator step:"))
         return -1;
-    if (!ReadUnsigned(&u32TxSelector, "0 = current active transmitter  1 = TX1 2 = TX2 3 =TX1 & TX2: "))
+    if (!ReadUnsigned(&u32TxSelector, TX_SELECTOR_PROMPT))
         return -1;
     if (ReportError(Q7_CalibrateTxExtAttnStep(hCal, u32TxSelector, adSteps)))
         return -1;

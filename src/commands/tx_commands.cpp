@@ -10,7 +10,6 @@
 #include "console.h"
 
 /* The transmitter prompt of the commands that act on one or both transmitters. */
-#define TX_SELECTOR_PROMPT "0 = current active transmitter  1 = TX1 2 = TX2 3 =TX1 & TX2: "
 
 static const char *ActiveTxName(uint32_t u32ActiveTx)
 {

@@ -14,7 +14,6 @@
 #include "data_utils.h"
 #include "diagnostics.h"
 
-#define NVM_MODE_OPTION_ID 7u
 #define DSD_SIZE 32768u
 #define READ_BACK_SIZE 128u
 #define OFFSET_NON_MII 0x200u
@@ -56,8 +55,8 @@ static bool SetNvmMode(CalInterfaceHandle hCal, uint32_t u32NvmMode)
     puts("====================");
     printf("Setting NVM mode = %d\n", (int)u32NvmMode);
     puts("====================");
-    if (ReportError(Q7_SetOptionByID(hCal, NVM_MODE_OPTION_ID, u32NvmMode)) ||
-        ReportError(Q7_GetOptionByID(hCal, NVM_MODE_OPTION_ID, &i32ReadMode)))
+    if (ReportError(Q7_SetOptionByID(hCal, Q7_OPTION_NVM_MODE, u32NvmMode)) ||
+        ReportError(Q7_GetOptionByID(hCal, Q7_OPTION_NVM_MODE, &i32ReadMode)))
         return false;
     if (i32ReadMode != (int32_t)u32NvmMode) {
         printf("\nERROR: The device is in NVM mode %d after NVM mode %d was set\n", (int)i32ReadMode,
