@@ -4,6 +4,7 @@
 #include <stdlib.h>
 
 #include "host_time.h"
+#include "printed_texts.h"
 
 #define CONNECT_ATTEMPTS 10
 #define CONNECT_RETRY_MS 1000u
@@ -16,7 +17,7 @@ int Initialize(CalInterfaceHandle hCal)
     if (hCal == NULL)
         return -1;
     for (int iAttempt = 0; iAttempt < CONNECT_ATTEMPTS; iAttempt++) {
-        printf("\nTrying to open handle to Device...");
+        printf("\n" TEXT_CONNECTING);
         fflush(stdout);
         ApiStatus status = Q7_ConnectDevice(hCal);
         if (status == NULL) {
@@ -36,7 +37,7 @@ CalInterfaceHandle SelectInterface(uint32_t *pu32InterfaceType)
     *pu32InterfaceType = Q7_INTERFACE_LOCAL;
     CalInterfaceHandle hCal = Q7_GetCalInterface(*pu32InterfaceType, sInterfaceBuffer, NULL);
     if (Initialize(hCal) == -1) {
-        printf("\nERROR: Unable to open a %s Cal API interface\n\n",
+        printf("\nERROR: Unable to open a %s " TEXT_NO_INTERFACE "\n\n",
                *pu32InterfaceType == Q7_INTERFACE_LOCAL ? "Local" : "Host Proxy");
         exit(1);
     }

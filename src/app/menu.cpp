@@ -6,8 +6,8 @@
 #include <string.h>
 
 #include "console.h"
+#include "printed_texts.h"
 
-#define MAIN_MENU_TITLE "Cal API Main Menu"
 
 /* Lists the groups (main menu) or the entries of the group that starts at
  * `u32GroupStart`; records the group starts and returns the item count. */
@@ -37,13 +37,13 @@ bool RunMenu(CalInterfaceHandle hCal)
     uint32_t u32GroupStart = 0;
 
     while (!bExit) {
-        const char *sTitle = bMainMenu ? MAIN_MENU_TITLE : MenuEntry[u32GroupStart].sGroupTitle;
-        printf("\n\n******** %s ********", sTitle);
+        const char *sTitle = bMainMenu ? TEXT_MAIN_MENU : MenuEntry[u32GroupStart].sGroupTitle;
+        printf("\n\n" TEXT_MENU_BANNER_EDGE " %s " TEXT_MENU_BANNER_EDGE, sTitle);
         uint32_t u32Items = PrintItems(bMainMenu, u32GroupStart, au32GroupStart);
         printf("\n\n   -1. %s", bMainMenu ? "Exit application" : "Main Menu");
         /* A row of asterisks as wide as the heading line. */
         printf("\n\n%s\n", PadString("", '*', (uint32_t)strlen(sTitle) + 18));
-        printf("\nENTER OPTION : ");
+        printf("\n" TEXT_MENU_PROMPT);
 
         int iChoice = ReadChoice();
         if (iChoice == -1) {
@@ -53,7 +53,7 @@ bool RunMenu(CalInterfaceHandle hCal)
             else
                 bMainMenu = true;
         } else if (iChoice == 0 || (uint32_t)iChoice > u32Items) {
-            printf("\nSorry. Invalid option selected.");
+            printf("\n" TEXT_INVALID_OPTION);
         } else if (bMainMenu) {
             u32GroupStart = au32GroupStart[iChoice - 1];
             bMainMenu = false;

@@ -5,6 +5,7 @@
 #include "commands.h"
 #include "console.h"
 #include "host_time.h"
+#include "printed_texts.h"
 
 /* One band write/read-back check, with its write line; nothing once the
  * session has ended, and no verdict when it ends during the wait. */
@@ -47,7 +48,7 @@ int AutomatedConfigurationGroupTest(CalInterfaceHandle hCal)
     uint32_t u32SavedBandwidthKHz = 0;
 
     printf("\n");
-    PrintTestHeading("CONFIGURATION COMMAND GROUP");
+    PrintTestHeading(TEXT_CONFIGURATION_GROUP);
     PrintTestHeading("Get/SetDeviceMode");
     /* The engineer compares each reported mode with the pushed one. */
     for (uint32_t u32DutMode = 0; u32DutMode <= 5; u32DutMode++) {
@@ -62,7 +63,7 @@ int AutomatedConfigurationGroupTest(CalInterfaceHandle hCal)
         return 0;
 
     PushDeviceMode(hCal, 4, 1, 1000, 0); /* AGC free-run for the band checks */
-    PrintTestHeading("GetBandConfig and SetBandConfig");
+    PrintTestHeading(TEXT_BAND_SECTION);
     const bool bSaved = !ReportTestError(Q7_GetBandConfig(hCal, &u32SavedFreqKHz, &u32SavedBandwidthKHz));
     printf("Read:  Freq = %7u - BW = %5u\n", u32SavedFreqKHz, u32SavedBandwidthKHz);
 
@@ -125,7 +126,7 @@ int AutomatedRxGroupTest(CalInterfaceHandle hCal)
     uint32_t u32LoopbackTx = 0;
 
     printf("\n");
-    PrintTestHeading("GetRxAntConfig and SetRxAntConfig");
+    PrintTestHeading(TEXT_RX_GROUP);
     (void)TestGetRxAntConfig(hCal);
     printf("Setting to 0\n");
     ReportTestError(Q7_SetRxAntConfig(hCal, 0));
@@ -139,7 +140,7 @@ int AutomatedRxGroupTest(CalInterfaceHandle hCal)
     if (SessionEnded())
         return 0;
 
-    PrintTestHeading("GetRxGainState and SetRxGainState");
+    PrintTestHeading(TEXT_RX_GAIN_SECTION);
     (void)Q7_GetDeviceMode(hCal, &u32DutMode, &u32ModulationType, &i32CwOffsetKHz, &u32LoopbackTx);
     printf("Device mode \t= %u\n", u32DutMode);
     printf("Modulation type = %u\n", u32ModulationType);

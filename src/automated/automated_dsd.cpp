@@ -7,6 +7,7 @@
 #include "commands.h"
 #include "console.h"
 #include "data_utils.h"
+#include "printed_texts.h"
 
 #define TEST_BYTE_COUNT 256u
 #define TEST_BYTE_ADDRESS 0x200u
@@ -38,7 +39,7 @@ int AutomatedDSDManagementGroupTest(CalInterfaceHandle hCal)
 {
     printf("\n");
     PushDeviceMode(hCal, 2, 0, 1000, 0); /* Tx CW, 4 QAM */
-    PrintTestHeading("DSD Management Commands");
+    PrintTestHeading(TEXT_DSD_MANAGEMENT_GROUP);
     (void)TestLoadDSD(hCal); /* the run's one prompt besides the pauses */
     if (SessionEnded()) {
         PopDeviceMode(hCal, NULL, NULL, NULL, NULL);
@@ -96,7 +97,7 @@ static void DumpRegion(CalInterfaceHandle hCal, int32_t i32RegionID)
 int AutomatedDSDReadWriteGroupTest(CalInterfaceHandle hCal)
 {
     printf("\n");
-    PrintTestHeading("ReadDSDBytes");
+    PrintTestHeading(TEXT_DSD_READ_WRITE_GROUP);
     DumpTestBytesOfDsd(hCal);
     PrintTestHeading("ReadRegionByID");
     for (int32_t i32RegionID = FIRST_REGION_ID; i32RegionID <= LAST_REGION_ID; i32RegionID++) {

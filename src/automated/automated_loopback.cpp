@@ -6,6 +6,7 @@
 #include "command_steps.h"
 #include "commands.h"
 #include "console.h"
+#include "printed_texts.h"
 
 /* Ends the group after a failed calibration: the error, then one pop for
  * each of the group's own pushes still in force. (Once the session has ended
@@ -28,7 +29,7 @@ int AutomatedLoopbackGroupTest(CalInterfaceHandle hCal)
     double adTxExtAttnSteps[Q7_TX_EXT_ATTN_STEPS] = {0.0};
 
     printf("\n");
-    PrintTestHeading("LOOPBACK COMMAND GROUP");
+    PrintTestHeading(TEXT_LOOPBACK_GROUP);
     PushDeviceMode(hCal, 5, 0, 1000, 0); /* Loopback, 4 QAM */
     (void)Q7_SetTRSwitch(hCal, 0, 0);   /* both antennas Tx off, Rx on */
     (void)TestCalibrateLCTrim(hCal);

@@ -8,6 +8,7 @@
 #include "commands.h"
 #include "console.h"
 #include "host_time.h"
+#include "printed_texts.h"
 
 /* GPIO 10, 11 and 12 drive the LEDs. */
 #define LED_PIN_FIRST 10u
@@ -42,11 +43,11 @@ static void PrintGpioState(const GpioState *pstGpio)
 static void SetLedPins(CalInterfaceHandle hCal, const GpioState *pstGpio, uint32_t u32Value)
 {
     for (uint32_t u32Pin = LED_PIN_FIRST; u32Pin <= LED_PIN_LAST; u32Pin++) {
-        printf("Setting GPIO %d to %d", (int)u32Pin, (int)u32Value);
+        printf(TEXT_PIN_WRITE "%d to %d", (int)u32Pin, (int)u32Value);
         if ((pstGpio->u32Direction & (1u << u32Pin)) == 0)
             ReportTestError(Q7_SetGPIOPinState(hCal, u32Pin, u32Value));
         else
-            printf(" -- Skipping input pin %d", (int)u32Pin);
+            printf(TEXT_SKIPPED_PIN "%d", (int)u32Pin);
         printf("\n");
     }
 }
@@ -94,7 +95,7 @@ static void RunLedPinSection(CalInterfaceHandle hCal)
 {
     GpioState stGpio = {0, 0, 0};
 
-    PrintTestHeading("ReadGPIOState, SetGPIOConfiguration, and SetGPIOPinState");
+    PrintTestHeading(TEXT_OTHER_GROUP);
     ReadGpio(hCal, &stGpio);
     PrintGpioState(&stGpio);
     const uint32_t u32WritePermission = ~stGpio.u32Direction & LED_PIN_MASK; /* the LED pins that are outputs */
@@ -122,7 +123,7 @@ static void RunLedPinSection(CalInterfaceHandle hCal)
     if (SessionEnded())
         return;
     /* The permission read at the start is not restored. */
-    printf("Setting write permissions to 0 -- errors are expected\n");
+    printf(TEXT_ERRORS_EXPECTED "\n");
     ReportTestError(Q7_SetGPIOConfiguration(hCal, 0));
     ReadGpio(hCal, &stGpio);
     printf("\n");
@@ -143,7 +144,7 @@ static void RunRficRegisterSection(CalInterfaceHandle hCal)
     ReportTestError(Q7_ReadRFICRegister(hCal, 0, 0, 1, &u32ChipId));
     printf("RFIC ID = %04X\n", u32ChipId);
 
-    PrintTestHeading("WriteRFICRegister");
+    PrintTestHeading(TEXT_RFIC_WRITE_SECTION);
     const bool bSaved = !ReportTestError(Q7_ReadRFICRegister(hCal, 0, TEST_REGISTER, 1, &u32Saved));
     CheckTestRegister(hCal, 0x0000, "0x0000");
     CheckTestRegister(hCal, 0x0000, "0x0000");
@@ -168,7 +169,7 @@ static void RunRficRegisterSection(CalInterfaceHandle hCal)
 static void RunGpAdcAndDacSection(CalInterfaceHandle hCal)
 {
     PrintTestHeading("GetGPADCValue and SetGPDACValue");
-    printf("Testing Get GP ADC Value ");
+    printf(TEXT_ADC_LINE);
     for (uint32_t u32Mux = 0; u32Mux <= 3; u32Mux++) {
         uint32_t u32Value = 0; /* zero when the read fails */
         ReportTestError(Q7_GetGPADCValue(hCal, u32Mux, &u32Value));

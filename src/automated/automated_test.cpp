@@ -3,6 +3,7 @@
 
 #include "automated.h"
 #include "console.h"
+#include "printed_texts.h"
 
 DeviceMode astDeviceModeStack[DEVICE_MODE_STACK_RECORDS];
 uint32_t u32DeviceModeStackPointer = 0;
@@ -19,7 +20,7 @@ void PushDeviceMode(CalInterfaceHandle hCal, uint32_t u32DutMode, uint32_t u32Mo
         DeviceMode{u32DutMode, u32ModulationType, i32CwOffsetKHz, u32LoopbackTx};
     /* The record stays pushed whatever the device answers. */
     (void)Q7_SetDeviceMode(hCal, u32DutMode, u32ModulationType, i32CwOffsetKHz, u32LoopbackTx);
-    printf("Push[%2d] - set device mode: mode = %u modulation = %u CW Offset=%u LoopbackTX=%u \n",
+    printf(TEXT_PUSH_FORMAT,
            (int)u32DeviceModeStackPointer, u32DutMode, u32ModulationType, (uint32_t)i32CwOffsetKHz, u32LoopbackTx);
 }
 
@@ -36,7 +37,7 @@ void PopDeviceMode(CalInterfaceHandle hCal, uint32_t *pu32DutMode, uint32_t *pu3
      * undoes a mode set directly after the matching push. */
     (void)Q7_SetDeviceMode(hCal, stMode.u32DutMode, stMode.u32ModulationType, stMode.i32CwOffsetKHz,
                            stMode.u32LoopbackTx);
-    printf("Pop[%2d] - set device mode: mode = %u modulation = %u CW Offset=%u LoopbackTX=%u \n",
+    printf(TEXT_POP_FORMAT,
            (int)u32DeviceModeStackPointer, stMode.u32DutMode, stMode.u32ModulationType,
            (uint32_t)stMode.i32CwOffsetKHz, stMode.u32LoopbackTx);
     if (pu32DutMode != NULL)
@@ -59,12 +60,12 @@ static void ConfirmDeviceMode(CalInterfaceHandle hCal, const DeviceMode *pstExpe
     uint32_t u32LoopbackTx = 0;
     ApiStatus status = Q7_GetDeviceMode(hCal, &u32DutMode, &u32ModulationType, &i32CwOffsetKHz, &u32LoopbackTx);
     if (status != NULL) {
-        PrintDeviceNotice("WARNING: The device mode is not restored: it could not be read back: %s\n", status);
+        PrintDeviceNotice(TEXT_MODE_NOT_RESTORED ": it could not be read back: %s\n", status);
         return;
     }
     if (u32DutMode != pstExpected->u32DutMode || u32ModulationType != pstExpected->u32ModulationType ||
         i32CwOffsetKHz != pstExpected->i32CwOffsetKHz || u32LoopbackTx != pstExpected->u32LoopbackTx)
-        PrintDeviceNotice("WARNING: The device mode is not restored: mode = %u modulation = %u CW Offset=%u "
+        PrintDeviceNotice(TEXT_MODE_NOT_RESTORED ": mode = %u modulation = %u CW Offset=%u "
                           "LoopbackTX=%u\n",
                           u32DutMode, u32ModulationType, (uint32_t)i32CwOffsetKHz, u32LoopbackTx);
 }
@@ -99,7 +100,7 @@ int AutomatedTest(CalInterfaceHandle hCal)
 
 void PrintTestHeading(const char *sTitle)
 {
-    printf("\n%s Testing %s\n", "-------------", sTitle);
+    printf("\n" TEXT_TEST_SEPARATOR TEXT_TESTING "%s\n", sTitle);
 }
 
 bool ReportTestError(ApiStatus status)

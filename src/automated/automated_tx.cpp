@@ -6,6 +6,7 @@
 #include "command_steps.h"
 #include "console.h"
 #include "host_time.h"
+#include "printed_texts.h"
 
 /* The six attenuator settings of one transmitter. */
 typedef struct TxAttnSettings {
@@ -100,8 +101,8 @@ int AutomatedTxGroupTest(CalInterfaceHandle hCal)
     TxAttnSettings stRead = {0.0, 0, 0, 0, 0, 0}; /* zeros when the first read fails */
 
     printf("\n");
-    PrintTestHeading("TX COMMAND GROUP");
-    PrintTestHeading("GetTxAttn and SetTxAttn");
+    PrintTestHeading(TEXT_TX_GROUP);
+    PrintTestHeading(TEXT_TX_ATTN_SECTION);
     ReportTestError(GetTxAttnSettings(hCal, u32FirstReadSelector, &stRead));
     PrintReadBlock(u32FirstReadSelector, &stRead);
     CheckTxAttn(hCal, u32FirstReadSelector, &stRead, 1, &stTx1Attn);
@@ -109,14 +110,14 @@ int AutomatedTxGroupTest(CalInterfaceHandle hCal)
     if (SessionEnded())
         return 0;
 
-    PrintTestHeading("GetTxOutputPower and SetTxOutputPower");
-    CheckTxOutputPower(hCal, "Setting power to +20 dBm ...", 20.0);
-    CheckTxOutputPower(hCal, "Setting power to -20 dBm ...", -20.0);
-    CheckTxOutputPower(hCal, "Setting poer to +10 dBm ...", 10.0);
+    PrintTestHeading(TEXT_TX_POWER_SECTION);
+    CheckTxOutputPower(hCal, TEXT_POWER_SETTING "+20 dBm ...", 20.0);
+    CheckTxOutputPower(hCal, TEXT_POWER_SETTING "-20 dBm ...", -20.0);
+    CheckTxOutputPower(hCal, TEXT_POWER_SETTING_MISSPELT "+10 dBm ...", 10.0);
     if (SessionEnded())
         return 0;
 
-    PrintTestHeading("GetTxDiversitySwitch and SetTxDiversitySwitch");
+    PrintTestHeading(TEXT_TX_SWITCH_SECTION);
     CheckTxDiversitySwitch(hCal, "Setting switch to 0 (antenna 1) ...", 0);
     CheckTxDiversitySwitch(hCal, "Setting switch to 1 (antenna 2) ...", 1);
     CheckTxDiversitySwitch(hCal, "Setting switch to 0 (antenna 1) ...", 0);

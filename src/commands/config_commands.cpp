@@ -5,6 +5,7 @@
 #include "command_steps.h"
 #include "commands.h"
 #include "console.h"
+#include "printed_texts.h"
 
 static const char *DutModeName(uint32_t u32DutMode)
 {
@@ -31,7 +32,7 @@ int TestConnectDevice(CalInterfaceHandle hCal)
         return -1;
     if (ReportError(Q7_ConnectDevice(hCal)))
         return -1;
-    printf("     Device connected.\n");
+    printf(TEXT_DEVICE_CONNECTED "\n");
     return 0;
 }
 
@@ -41,7 +42,7 @@ int TestDisconnectDevice(CalInterfaceHandle hCal)
         return -1;
     if (ReportError(Q7_DisconnectDevice(hCal)))
         return -1;
-    printf("     Device disconnected.\n");
+    printf(TEXT_DEVICE_DISCONNECTED "\n");
     return 0;
 }
 

@@ -6,6 +6,7 @@
 #include "command_steps.h"
 #include "commands.h"
 #include "console.h"
+#include "printed_texts.h"
 
 /* Room of the spectrum array; the capture is never read beyond it. */
 #define RX_SPECTRUM_CAPACITY 2048u
@@ -156,7 +157,7 @@ int TestGetRxSpectrum(CalInterfaceHandle hCal)
         return -1;
     /* The length line shows what the device reported; the rows never go
      * beyond the capacity that was passed. */
-    printf("\nSpectrum length = %u\n", u32Length);
+    printf("\n" TEXT_SPECTRUM_LENGTH " = %u\n", u32Length);
     for (uint32_t i = 0; i < u32Length && i < RX_SPECTRUM_CAPACITY; i++) {
         if (i % RX_SPECTRUM_ROW == 0)
             printf("\n%4d:", (int)i);
@@ -183,14 +184,14 @@ int TestGetVersionInfo(CalInterfaceHandle hCal)
                                       au32LocalCalApiVersion, &u32BasebandChip, &u32RfChip)))
         return -1;
     sDriverVersion[Q7_DRIVER_VERSION_SIZE - 1] = '\0';
-    printf("    PHY firmware version    = %08X\n", u32PhyFirmware);
-    printf("    MAC firmware version    = %u.%u.%u\n", au32MacFirmware[0], au32MacFirmware[1], au32MacFirmware[2]);
-    printf("    Driver version          = %s\n", sDriverVersion);
-    printf("    Halvix Cal API library version = %u.%u.%u\n", au32CalApiVersion[0], au32CalApiVersion[1],
+    printf("    " TEXT_PHY_FIRMWARE_VERSION "    = %08X\n", u32PhyFirmware);
+    printf("    " TEXT_MAC_FIRMWARE_VERSION "    = %u.%u.%u\n", au32MacFirmware[0], au32MacFirmware[1], au32MacFirmware[2]);
+    printf("    " TEXT_DRIVER_VERSION "          = %s\n", sDriverVersion);
+    printf("    " TEXT_CAL_API_LIBRARY_VERSION " = %u.%u.%u\n", au32CalApiVersion[0], au32CalApiVersion[1],
            au32CalApiVersion[2]);
-    printf("    Local Cal API library version = %u.%u.%u\n", au32LocalCalApiVersion[0], au32LocalCalApiVersion[1],
+    printf("    " TEXT_LOCAL_CAL_API_LIBRARY_VERSION " = %u.%u.%u\n", au32LocalCalApiVersion[0], au32LocalCalApiVersion[1],
            au32LocalCalApiVersion[2]);
-    printf("    Baseband chip version   = %08X\n", u32BasebandChip);
-    printf("    RF chip version         = %04X\n", u32RfChip);
+    printf("    " TEXT_BASEBAND_CHIP_VERSION "   = %08X\n", u32BasebandChip);
+    printf("    " TEXT_RF_CHIP_VERSION "         = %04X\n", u32RfChip);
     return ReportSuccess("GetVersionInfo");
 }

@@ -13,6 +13,7 @@
 #include "console.h"
 #include "data_utils.h"
 #include "diagnostics.h"
+#include "printed_texts.h"
 
 #define DSD_SIZE 32768u
 #define READ_BACK_SIZE 128u
@@ -152,7 +153,7 @@ static int RunNvmModeTest(CalInterfaceHandle hCal, uint32_t u32InterfaceType, Nv
 int NvmModeTest(CalInterfaceHandle hCal)
 {
     uint32_t u32InterfaceType = 0;
-    if (!ReadUnsigned(&u32InterfaceType, "Enter interface type (0=not MII; 1=MII): "))
+    if (!ReadUnsigned(&u32InterfaceType, TEXT_NVM_MODE_QUESTION " (0=not MII; 1=MII): "))
         return -1;
 
     NvmModeImages *pImages = (NvmModeImages *)malloc(sizeof *pImages);

@@ -8,6 +8,7 @@
 #include "console.h"
 #include "dsd_limits.h"
 #include "dsd_write_steps.h"
+#include "printed_texts.h"
 
 #define BLOCK_RESTORING_LINE "\nRestoring original DSD  values ... "
 
@@ -90,9 +91,9 @@ static int WriteBlock(const DsdRange *pRange, const DsdAreas *pAreas)
             return u32Restore != 0 ? WarnNotRestored("the verification read failed") : -1;
         u32Errors = CompareWords(pRange, pAreas);
         if (u32Restore != 0 && u32Errors != 0)
-            PrintDeviceNotice("\n%u verify errors.\n", u32Errors); /* the restore is withheld */
+            PrintDeviceNotice("\n%u" TEXT_VERIFY_ERRORS "\n", u32Errors); /* the restore is withheld */
         else
-            printf("\n%u verify errors.\n", u32Errors);
+            printf("\n%u" TEXT_VERIFY_ERRORS "\n", u32Errors);
     }
     if (u32Restore != 0 && u32Errors == 0 &&
         RestoreAndConfirm(pRange, pAreas, BLOCK_RESTORING_LINE, ShowRestoredWords) != 0)

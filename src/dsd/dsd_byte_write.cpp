@@ -9,6 +9,7 @@
 #include "console.h"
 #include "data_utils.h"
 #include "dsd_write_steps.h"
+#include "printed_texts.h"
 
 /* The Flash 2.x DSD image: 64 KB, its 1 KB header block at 63 KB holding
  * big-endian fields. */
@@ -145,9 +146,9 @@ static int WriteBytes(const DsdRange *pRange, const DsdAreas *pAreas, const Byte
         else
             u32Errors = CompareBlocks(pAreas->pu8ReadBack, pAreas->pu8Write, 0, 0, pWrite->u32Size);
         if (u32Restore != 0 && u32Errors != 0)
-            PrintDeviceNotice("\n\n%u verify errors.\n", u32Errors); /* the restore is withheld */
+            PrintDeviceNotice("\n\n%u" TEXT_VERIFY_ERRORS "\n", u32Errors); /* the restore is withheld */
         else
-            printf("\n\n%u verify errors.\n", u32Errors);
+            printf("\n\n%u" TEXT_VERIFY_ERRORS "\n", u32Errors);
     }
     if (u32Restore != 0 && u32Errors != 0)
         return WarnNotRestored("verify error count > 0");

@@ -7,6 +7,7 @@
 #include "command_steps.h"
 #include "commands.h"
 #include "console.h"
+#include "printed_texts.h"
 
 /* Block 9's label holds a tab, so its lines align on the terminal's tab stop. */
 const char *const gsDSDBlockName[Q7_DSD_MAX_BLOCKS] = {
@@ -67,7 +68,7 @@ int TestIsDSDValid(CalInterfaceHandle hCal)
 
     if (!BeginCommand(hCal, "\nIsDSDValid:") || ReportError(Q7_IsDSDValid(hCal, &u32Valid)))
         return -1;
-    printf("    %s checksum is %s VALID\n", "DSD", ValidityWord(u32Valid));
+    printf(TEXT_CHECKSUM_STATE_FORMAT, "DSD", ValidityWord(u32Valid));
     return ReportSuccess("IsDSDValid");
 }
 
@@ -81,7 +82,7 @@ int TestAreDSDChecksumsValid(CalInterfaceHandle hCal)
     ApiStatus status = Q7_AreDSDChecksumsValid(hCal, au8BlockValid, &u32BlockCount);
     u32BlockCount = CapBlockCount(u32BlockCount);
     for (uint32_t i = 0; i < u32BlockCount; i++)
-        printf("    %s checksum is %s VALID\n", gsDSDBlockName[i], ValidityWord(au8BlockValid[i]));
+        printf(TEXT_CHECKSUM_STATE_FORMAT, gsDSDBlockName[i], ValidityWord(au8BlockValid[i]));
     return EndBlockListing(status, u32BlockCount, "AreDSDChecksumsValid");
 }
 
@@ -107,7 +108,7 @@ int TestIsCalibrationValid(CalInterfaceHandle hCal)
 
     if (!BeginCommand(hCal, "\nIsCalibrationValid:") || ReportError(Q7_IsCalibrationValid(hCal, &u32Valid)))
         return -1;
-    printf("    Calibration state = %s\n", u32Valid != 0 ? "VALID" : "NOT VALID");
+    printf("    " TEXT_CALIBRATION_STATE "%s\n", u32Valid != 0 ? TEXT_VALID : TEXT_NOT_VALID);
     return ReportSuccess("IsCalibrationValid");
 }
 
@@ -123,11 +124,11 @@ int TestGetCalibrationInfo(CalInterfaceHandle hCal)
     puts("\nGetCalibrationInfo:");
     if (ReportError(Q7_GetCalibrationInfo(hCal, &u8CalFlag, &u8VendorID, au8Date, au8Time, au8SwVersion)))
         return -1;
-    printf("    Cal flag    = %u\n", (uint32_t)u8CalFlag);
-    printf("    Vendor ID   = %02X\n", (uint32_t)u8VendorID);
-    printf("    Cal date    = %02X/%02X/%02X\n", (uint32_t)au8Date[0], (uint32_t)au8Date[1], (uint32_t)au8Date[2]);
-    printf("    Cal time    = %02X:%02X:%02X\n", (uint32_t)au8Time[0], (uint32_t)au8Time[1], (uint32_t)au8Time[2]);
-    printf("    SW Version  = %02X.%02X.%02X\n", (uint32_t)au8SwVersion[0], (uint32_t)au8SwVersion[1],
+    printf("    " TEXT_CAL_FLAG "    = %u\n", (uint32_t)u8CalFlag);
+    printf("    " TEXT_VENDOR_ID "   = %02X\n", (uint32_t)u8VendorID);
+    printf("    " TEXT_CAL_DATE "    = %02X/%02X/%02X\n", (uint32_t)au8Date[0], (uint32_t)au8Date[1], (uint32_t)au8Date[2]);
+    printf("    " TEXT_CAL_TIME "    = %02X:%02X:%02X\n", (uint32_t)au8Time[0], (uint32_t)au8Time[1], (uint32_t)au8Time[2]);
+    printf("    " TEXT_SW_VERSION "  = %02X.%02X.%02X\n", (uint32_t)au8SwVersion[0], (uint32_t)au8SwVersion[1],
            (uint32_t)au8SwVersion[2]);
     return ReportSuccess("GetCalibrationInfo");
 }
@@ -140,7 +141,7 @@ int TestGetMACAddress(CalInterfaceHandle hCal)
     puts("\nGetMACAddress:");
     if (ReportError(Q7_GetMACAddress(hCal, au8Mac)))
         return -1;
-    printf("    MAC address = %02X:%02X:%02X:%02X:%02X:%02X\n", (uint32_t)au8Mac[0], (uint32_t)au8Mac[1],
+    printf("    " TEXT_MAC_ADDRESS " = %02X:%02X:%02X:%02X:%02X:%02X\n", (uint32_t)au8Mac[0], (uint32_t)au8Mac[1],
            (uint32_t)au8Mac[2], (uint32_t)au8Mac[3], (uint32_t)au8Mac[4], (uint32_t)au8Mac[5]);
     return ReportSuccess("GetMACAddress");
 }

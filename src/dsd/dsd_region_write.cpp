@@ -11,6 +11,7 @@
 #include "console.h"
 #include "data_utils.h"
 #include "dsd_write_steps.h"
+#include "printed_texts.h"
 
 /* The calibration record's leading bytes that a write of region 4 keeps. */
 #define CAL_REGION_ID 4
@@ -110,7 +111,7 @@ static int WriteRegion(const DsdRange *pRange, const DsdAreas *pAreas, uint32_t 
             return WarnNotRestored("the verification read failed");
         printf("\nNumber of bytes returned by ReadDSDRegionByID = %u bytes\n", u32Returned);
         u32Errors = CompareRegion(pRange, pAreas, u32ToWrite);
-        printf("\n\n%u verify errors.\n", u32Errors);
+        printf("\n\n%u" TEXT_VERIFY_ERRORS "\n", u32Errors);
     }
     if (!ReadUnsigned(&u32Restore, RESTORE_PROMPT))
         return WarnNotRestored("%s", WhySessionEnded());

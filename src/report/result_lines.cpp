@@ -5,6 +5,8 @@
 #include <cstdlib>
 #include <sstream>
 
+#include "printed_texts.h"
+
 namespace q7report {
 namespace {
 
@@ -13,9 +15,9 @@ namespace {
 const char *const kCodeLabels[] = {"checksum", "GPIO", "RFIC"};
 
 // The automated run's value lines that have no "label = value" form.
-const char kAdcLine[] = "Testing Get GP ADC Value";
-const char kPowerSetting[] = "Setting power to ";
-const char kPowerSettingMisspelt[] = "Setting poer to ";  // the run's third setting line reads so
+const char kAdcLine[] = TEXT_ADC_LINE;
+const char kPowerSetting[] = TEXT_POWER_SETTING;
+const char kPowerSettingMisspelt[] = TEXT_POWER_SETTING_MISSPELT;
 
 bool StartsWith(const std::string &text, const char *prefix) { return text.rfind(prefix, 0) == 0; }
 

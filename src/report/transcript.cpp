@@ -9,39 +9,18 @@
 #include <map>
 #include <optional>
 
+#include "printed_texts.h"
 #include "result_lines.h"
 
 namespace q7report {
 namespace {
 
-// What q7cal prints, as this reader recognises it.
-const char kConnecting[] = "Trying to open handle to Device...";
-const char kNoInterface[] = "Cal API interface";  // "ERROR: Unable to open a Local Cal API interface"
-const char kMenuPrompt[] = "ENTER OPTION : ";
-const char kMenuBannerEdge[] = "******** ";
-const char kMainMenu[] = "Cal API Main Menu";
-const char kInvalidOption[] = "Sorry. Invalid option selected.";
-const char kRunStart[] = "Push[ 1] - set device mode";
-const char kRunEnd[] = "Pop[ 0] - set device mode";
-const char kRunEndValues[] = "Pop[ 0] - set device mode: mode = %u modulation = %u CW Offset=%u LoopbackTX=%u";
-const char kModeNotRestored[] = "WARNING: The device mode is not restored";
-const char kHeading[] = "------------- Testing ";
-const char kErrorsExpected[] = "errors are expected";
-const char kPinWrite[] = "Setting GPIO ";
-const char kSkippedPin[] = "Skipping input pin";
-const char kError[] = "ERROR:";  // also in "READ ERROR:" and "WRITE ERROR:"
-const char kWarning[] = "WARNING:";
-const char kVerifyErrors[] = " verify errors.";
+// What q7cal prints, as this reader recognises it (printed_texts.h).
+const char kMenuBannerEdge[] = TEXT_MENU_BANNER_EDGE " ";
+const char kHeading[] = TEXT_TEST_SEPARATOR TEXT_TESTING;
 // How a command that went well ends: its SUCCESSFUL line, or for connecting
 // and disconnecting, the line that says so.
-const char *const kGoodEndings[] = {" was SUCCESSFUL.", "     Device connected.", "     Device disconnected."};
-// The states a run shows: "    RF checksum is  VALID" or "... is NOT VALID",
-// "    Calibration state = VALID" or "= NOT VALID".
-const char kChecksumState[] = " checksum is ";
-const char kCalibrationState[] = "Calibration state = ";
-const char kValid[] = "VALID";
-const char kNotValid[] = "NOT VALID";
-const char kSpectrumLength[] = "Spectrum length";
+const char *const kGoodEndings[] = {TEXT_SUCCESSFUL, TEXT_DEVICE_CONNECTED, TEXT_DEVICE_DISCONNECTED};
 const char kSpectrum[] = "Rx spectrum";  // its rows, as ParseResultLine names them
 
 // The automated run's seven groups, by the heading that each opens with.
@@ -50,13 +29,13 @@ struct Group {
     const char *name;
 };
 const Group kGroups[] = {
-    {"CONFIGURATION COMMAND GROUP", "Configuration"},
-    {"GetRxAntConfig and SetRxAntConfig", "Rx"},
-    {"TX COMMAND GROUP", "Tx"},
-    {"LOOPBACK COMMAND GROUP", "Loopback calibration"},
-    {"ReadGPIOState, SetGPIOConfiguration, and SetGPIOPinState", "Other commands"},
-    {"DSD Management Commands", "DSD management"},
-    {"ReadDSDBytes", "DSD read/write"},
+    {TEXT_CONFIGURATION_GROUP, "Configuration"},
+    {TEXT_RX_GROUP, "Rx"},
+    {TEXT_TX_GROUP, "Tx"},
+    {TEXT_LOOPBACK_GROUP, "Loopback calibration"},
+    {TEXT_OTHER_GROUP, "Other commands"},
+    {TEXT_DSD_MANAGEMENT_GROUP, "DSD management"},
+    {TEXT_DSD_READ_WRITE_GROUP, "DSD read/write"},
 };
 const size_t kGroupCount = std::size(kGroups);
 
@@ -68,17 +47,16 @@ struct SectionChecks {
     std::vector<const char *> names;
 };
 const SectionChecks kRunCheckNames[] = {
-    {"GetBandConfig and SetBandConfig", {"2500000 kHz, 10000 kHz", "2533500 kHz, 5000 kHz", "band restored"}},
-    {"GetRxGainState and SetRxGainState", {"Rx1 gain state", "Rx2 gain state"}},
-    {"GetTxAttn and SetTxAttn", {"attenuator set 1", "attenuator set 2"}},
-    {"GetTxOutputPower and SetTxOutputPower", {"+20 dBm", "-20 dBm", "+10 dBm"}},
-    {"GetTxDiversitySwitch and SetTxDiversitySwitch", {"antenna 1", "antenna 2", "antenna 1 again"}},
-    {"ReadGPIOState, SetGPIOConfiguration, and SetGPIOPinState", {"LED write 0", "LED write 1"}},
-    {"WriteRFICRegister", {"write 0x0000", "write 0x0000 again", "write 0xFFFF", "saved value restored"}},
+    {TEXT_BAND_SECTION, {"2500000 kHz, 10000 kHz", "2533500 kHz, 5000 kHz", "band restored"}},
+    {TEXT_RX_GAIN_SECTION, {"Rx1 gain state", "Rx2 gain state"}},
+    {TEXT_TX_ATTN_SECTION, {"attenuator set 1", "attenuator set 2"}},
+    {TEXT_TX_POWER_SECTION, {"+20 dBm", "-20 dBm", "+10 dBm"}},
+    {TEXT_TX_SWITCH_SECTION, {"antenna 1", "antenna 2", "antenna 1 again"}},
+    {TEXT_OTHER_GROUP, {"LED write 0", "LED write 1"}},
+    {TEXT_RFIC_WRITE_SECTION, {"write 0x0000", "write 0x0000 again", "write 0xFFFF", "saved value restored"}},
 };
 
 // The one command that opens with a question instead of its heading.
-const char kNvmModeQuestion[] = "Enter interface type";
 const char kNvmModeTest[] = "NVM Mode test";
 
 bool Contains(const std::string &text, const char *part) { return text.find(part) != std::string::npos; }
@@ -110,7 +88,7 @@ std::string Number(double value)
 // From "ERROR:" on: the text that names the failure.
 std::string ErrorText(const std::string &line)
 {
-    size_t at = line.find(kError);
+    size_t at = line.find(TEXT_ERROR);
     for (const std::string operation : {"READ ", "WRITE "})
         if (at >= operation.size() && line.compare(at - operation.size(), operation.size(), operation) == 0)
             return TrimRight(line.substr(at - operation.size()));
@@ -121,7 +99,7 @@ std::string ErrorText(const std::string &line)
 std::string MenuTitle(const std::string &line)
 {
     const std::string edge = kMenuBannerEdge;
-    const std::string closing = " ********";
+    const std::string closing = " " TEXT_MENU_BANNER_EDGE;
     if (line.size() <= edge.size() + closing.size() || !StartsWith(line, kMenuBannerEdge) || !EndsWith(line, closing))
         return "";
     return line.substr(edge.size(), line.size() - edge.size() - closing.size());
@@ -149,13 +127,37 @@ std::string HeadingName(const std::string &line)
 // session recorded with its echo. Piped answers are never echoed.
 bool ShowsTypedAnswer(const std::string &line)
 {
-    if (!StartsWith(line, kMenuPrompt))
+    if (!StartsWith(line, TEXT_MENU_PROMPT))
         return false;
-    std::string answer = Trim(line.substr(sizeof kMenuPrompt - 1));
+    std::string answer = Trim(line.substr(sizeof TEXT_MENU_PROMPT - 1));
     if (!answer.empty() && answer[0] == '-')
         answer.erase(0, 1);
     return !answer.empty() &&
            std::all_of(answer.begin(), answer.end(), [](char c) { return std::isdigit(static_cast<unsigned char>(c)); });
+}
+
+// A line of the device-mode stack, read with q7cal's own format; the first
+// push follows the menu's prompt on its line. The record index, or -1 for
+// any other line; the four values of the mode.
+std::string AfterMenuPrompt(const std::string &line)
+{
+    return StartsWith(line, TEXT_MENU_PROMPT) ? line.substr(sizeof TEXT_MENU_PROMPT - 1) : line;
+}
+
+int PushIndex(const std::string &line)
+{
+    int index = -1;
+    unsigned values[4];
+    int read = std::sscanf(AfterMenuPrompt(line).c_str(), TEXT_PUSH_FORMAT, &index, &values[0], &values[1], &values[2],
+                           &values[3]);
+    return read == 5 ? index : -1;
+}
+
+int PopIndex(const std::string &line, unsigned values[4])
+{
+    int index = -1;
+    int read = std::sscanf(line.c_str(), TEXT_POP_FORMAT, &index, &values[0], &values[1], &values[2], &values[3]);
+    return read == 5 ? index : -1;
 }
 
 bool IsIdentityLabel(const std::string &label)
@@ -180,7 +182,7 @@ public:
         lineNumber_++;
         at_ = at;
         record_.transcript += line + "\n";
-        if (Contains(line, kConnecting) || Contains(line, kNoInterface))
+        if (Contains(line, TEXT_CONNECTING) || Contains(line, TEXT_NO_INTERFACE))
             record_.isSession = true;
         if (ShowsTypedAnswer(line))
             record_.scripted = false;
@@ -192,21 +194,21 @@ public:
             EnterMenu(title);
             return;
         }
-        if (Contains(line, kInvalidOption))
+        if (Contains(line, TEXT_INVALID_OPTION))
             NoteInvalidOption();
         if (run_.active) {
             ReadRunLine(line);
             return;
         }
-        if (Contains(line, kRunStart)) {
+        if (PushIndex(line) == 1) {
             StartRun();
             return;
         }
         std::string text = line;
-        if (StartsWith(text, kMenuPrompt)) {
-            text.erase(0, sizeof kMenuPrompt - 1);
+        if (StartsWith(text, TEXT_MENU_PROMPT)) {
+            text.erase(0, sizeof TEXT_MENU_PROMPT - 1);
             FinishMeasurement();
-            commandOpen_ = menu_ != kMainMenu && !menu_.empty();
+            commandOpen_ = menu_ != TEXT_MAIN_MENU && !menu_.empty();
             command_.clear();
         }
         if (commandOpen_ || menu_.empty()) {
@@ -284,7 +286,7 @@ private:
     {
         ResultLine values = ParseResultLine(line);
         // Spectrum rows follow the spectrum's length; a hex dump only looks like them.
-        if (values.kind == ResultLine::kSpectrumRow && lastQuantity_ != kSpectrumLength && lastQuantity_ != kSpectrum)
+        if (values.kind == ResultLine::kSpectrumRow && lastQuantity_ != TEXT_SPECTRUM_LENGTH && lastQuantity_ != kSpectrum)
             values = ResultLine();
         if (values.kind != ResultLine::kNone)
             lastQuantity_ = values.quantity;
@@ -392,7 +394,7 @@ private:
         inStep.type = "out of step";
         inStep.line = lineNumber_ - 1;  // the menu's prompt, which took the answer
         inStep.message = "answers out of step after line " + std::to_string(inStep.line);
-        inStep.evidence = std::string(kMenuPrompt) + "\n" + kInvalidOption + "\n";
+        inStep.evidence = std::string(TEXT_MENU_PROMPT) + "\n" + TEXT_INVALID_OPTION + "\n";
         AddCheck(inStep, at_);
     }
 
@@ -417,11 +419,11 @@ private:
             lines.pop_back();
         while (!lines.empty() && TrimRight(lines.front().text).empty())
             lines.erase(lines.begin());
-        if (lines.empty() || (lines.size() == 1 && lines[0].text == kInvalidOption))
+        if (lines.empty() || (lines.size() == 1 && lines[0].text == TEXT_INVALID_OPTION))
             return;
         // Before the first menu: only a failed connection is worth a case.
         bool startUp = menu_.empty();
-        if (startUp && !Contains(lines.back().text, kNoInterface))
+        if (startUp && !Contains(lines.back().text, TEXT_NO_INTERFACE))
             return;
 
         Check command;
@@ -434,14 +436,14 @@ private:
             command.evidence += line.text + "\n";
         const Line *failing = nullptr;
         for (const Line &line : lines)
-            if (Contains(line.text, kError) || Contains(line.text, kWarning) || HasVerifyErrors(line.text)) {
+            if (Contains(line.text, TEXT_ERROR) || Contains(line.text, TEXT_WARNING) || HasVerifyErrors(line.text)) {
                 failing = &line;
                 break;
             }
         if (failing != nullptr) {
             command.passed = false;
-            bool error = Contains(failing->text, kError);
-            command.type = error ? "ERROR" : Contains(failing->text, kWarning) ? "WARNING" : "verify errors";
+            bool error = Contains(failing->text, TEXT_ERROR);
+            command.type = error ? "ERROR" : Contains(failing->text, TEXT_WARNING) ? "WARNING" : "verify errors";
             command.message = error ? ErrorText(failing->text) : TrimRight(failing->text);
             command.line = failing->number;
         } else {
@@ -467,12 +469,12 @@ private:
 
     static bool HasVerifyErrors(const std::string &line)
     {
-        return EndsWith(line, kVerifyErrors) && std::strtoul(line.c_str(), nullptr, 10) != 0;
+        return EndsWith(line, TEXT_VERIFY_ERRORS) && std::strtoul(line.c_str(), nullptr, 10) != 0;
     }
 
     static std::string CommandName(const std::vector<Line> &lines)
     {
-        if (StartsWith(lines[0].text, kNvmModeQuestion))
+        if (StartsWith(lines[0].text, TEXT_NVM_MODE_QUESTION))
             return kNvmModeTest;
         // A heading may follow a first prompt (GetTxAttn asks for the transmitter first).
         for (size_t i = 0; i < lines.size() && i < 2; i++)
@@ -502,16 +504,17 @@ private:
 
     void ReadRunLine(const std::string &line)
     {
-        if (Contains(line, kRunStart)) {  // a new run before this one popped
+        unsigned mode[4] = {1, 1, 1, 1};
+        if (PushIndex(line) == 1) {  // a new run before this one popped
             FinishRun("the run was left without its final Pop[ 0]");
             StartRun();
             return;
         }
-        if (Contains(line, kRunEnd)) {
+        if (PopIndex(line, mode) == 0) {
             FinishRun(run_.groupsSeen == kGroupCount
                           ? ""
                           : std::string("the run ended before the ") + kGroups[run_.groupsSeen].name + " group");
-            CheckModeRestored(line);
+            CheckModeRestored(line, mode);
             return;
         }
         if (StartsWith(line, kHeading)) {
@@ -523,27 +526,28 @@ private:
         if (IsHeading(line))
             run_.command = HeadingName(line);
         ReadValues(line, RunClass(), run_.command.empty() ? run_.section : run_.command);
-        if (Contains(line, kErrorsExpected))
+        if (Contains(line, TEXT_ERRORS_EXPECTED))
             run_.errorsExpected = true;
-        bool error = Contains(line, kError);
-        if (run_.errorsExpected && StartsWith(line, kPinWrite) && !Contains(line, kSkippedPin)) {
+        bool error = Contains(line, TEXT_ERROR);
+        if (run_.errorsExpected && StartsWith(line, TEXT_PIN_WRITE) && !Contains(line, TEXT_SKIPPED_PIN)) {
             AddRunCheck(error ? "" : "the write succeeded after the write permission was set to 0",
-                        "GPIO " + std::to_string(std::strtoul(line.c_str() + sizeof kPinWrite - 1, nullptr, 10)) +
+                        "GPIO " + std::to_string(std::strtoul(line.c_str() + sizeof TEXT_PIN_WRITE - 1, nullptr, 10)) +
                             " write refused",
                         error ? "" : "missing expected error", true);
         } else if (error) {
             AddRunCheck(ErrorText(line), "error #" + std::to_string(++run_.errors), "ERROR", false);
-        } else if (Contains(line, kWarning)) {
+        } else if (Contains(line, TEXT_WARNING)) {
             AddRunCheck(TrimRight(line), "warning #" + std::to_string(++run_.warnings), "WARNING", false);
-        } else if (Contains(line, kChecksumState) && EndsWith(TrimRight(line), kValid)) {
+        } else if (Contains(line, TEXT_CHECKSUM_IS) && EndsWith(TrimRight(line), TEXT_VALID)) {
             // A state is judged on its own line.
             run_.evidence = line + "\n";
-            std::string block = Trim(line.substr(0, line.find(kChecksumState)));
-            bool valid = !Contains(line, kNotValid);
+            std::string block = Trim(line.substr(0, line.find(TEXT_CHECKSUM_IS)));
+            bool valid = !Contains(line, TEXT_NOT_VALID);
             AddRunCheck(valid ? "" : Trim(line), block + " checksum", "NOT VALID", false);
-        } else if (Contains(line, kCalibrationState)) {
+        } else if (Contains(line, TEXT_CALIBRATION_STATE)) {
             run_.evidence = line + "\n";
-            bool valid = TrimRight(line.substr(line.find(kCalibrationState) + sizeof kCalibrationState - 1)) == kValid;
+            bool valid =
+                TrimRight(line.substr(line.find(TEXT_CALIBRATION_STATE) + sizeof TEXT_CALIBRATION_STATE - 1)) == TEXT_VALID;
             AddRunCheck(valid ? "" : Trim(line), "Calibration state", "NOT VALID", false);
         } else {
             std::string verdict = LastWord(line);
@@ -605,17 +609,14 @@ private:
     // The final pop puts the device back in the base record's mode (Normal,
     // nothing else set); q7cal reads the mode back and warns on the next
     // line when the device did not take it.
-    void CheckModeRestored(const std::string &line)
+    void CheckModeRestored(const std::string &line, const unsigned values[4])
     {
-        unsigned values[4] = {1, 1, 1, 1};
-        int read = std::sscanf(line.c_str() + line.find(kRunEnd), kRunEndValues, &values[0], &values[1], &values[2],
-                               &values[3]);
         Check restored;
         restored.classname = run_.classname;
         restored.name = "device mode restored";
         restored.evidence = line + "\n";
         restored.line = lineNumber_;
-        if (read != 4 || values[0] != 0 || values[1] != 0 || values[2] != 0 || values[3] != 0) {
+        if (values[0] != 0 || values[1] != 0 || values[2] != 0 || values[3] != 0) {
             restored.passed = false;
             restored.type = "WARNING";
             restored.message = "the final pop did not set the Normal mode: " + TrimRight(line);
@@ -631,7 +632,7 @@ private:
         if (TrimRight(line).empty())
             return true;
         pendingModeCheck_ = false;
-        if (!Contains(line, kModeNotRestored))
+        if (!Contains(line, TEXT_MODE_NOT_RESTORED))
             return false;
         Check &restored = record_.checks[modeCheck_];
         restored.passed = false;

@@ -15,7 +15,7 @@ const std::string &UnitRecord::Identity(const char *key) const
 
 bool UnitRecord::Simulated() const
 {
-    return Identity("driver_version").find("SIMULATED DEVICE") != std::string::npos;
+    return Identity("driver_version").find(TEXT_SIMULATED_DEVICE) != std::string::npos;
 }
 
 Totals UnitRecord::Count() const

@@ -11,6 +11,8 @@
 #include <utility>
 #include <vector>
 
+#include "printed_texts.h"
+
 namespace q7report {
 
 // A measured quantity's limits, both inclusive, in `unit`.
@@ -58,19 +60,19 @@ struct IdentityField {
     const char *key;    // "mac_address": the JSON member and JUnit property
 };
 inline constexpr IdentityField kIdentityFields[] = {
-    {"MAC address", "mac_address"},
-    {"Cal flag", "cal_flag"},
-    {"Vendor ID", "vendor_id"},
-    {"Cal date", "cal_date"},
-    {"Cal time", "cal_time"},
-    {"SW Version", "cal_sw_version"},
-    {"PHY firmware version", "phy_firmware_version"},
-    {"MAC firmware version", "mac_firmware_version"},
-    {"Driver version", "driver_version"},
-    {"Halvix Cal API library version", "cal_api_library_version"},
-    {"Local Cal API library version", "local_cal_api_library_version"},
-    {"Baseband chip version", "baseband_chip_version"},
-    {"RF chip version", "rf_chip_version"},
+    {TEXT_MAC_ADDRESS, "mac_address"},
+    {TEXT_CAL_FLAG, "cal_flag"},
+    {TEXT_VENDOR_ID, "vendor_id"},
+    {TEXT_CAL_DATE, "cal_date"},
+    {TEXT_CAL_TIME, "cal_time"},
+    {TEXT_SW_VERSION, "cal_sw_version"},
+    {TEXT_PHY_FIRMWARE_VERSION, "phy_firmware_version"},
+    {TEXT_MAC_FIRMWARE_VERSION, "mac_firmware_version"},
+    {TEXT_DRIVER_VERSION, "driver_version"},
+    {TEXT_CAL_API_LIBRARY_VERSION, "cal_api_library_version"},
+    {TEXT_LOCAL_CAL_API_LIBRARY_VERSION, "local_cal_api_library_version"},
+    {TEXT_BASEBAND_CHIP_VERSION, "baseband_chip_version"},
+    {TEXT_RF_CHIP_VERSION, "rf_chip_version"},
 };
 inline constexpr size_t kIdentityFieldCount = sizeof kIdentityFields / sizeof kIdentityFields[0];
 

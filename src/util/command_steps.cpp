@@ -1,4 +1,5 @@
 #include "command_steps.h"
+#include "printed_texts.h"
 
 #include <stdio.h>
 
@@ -21,7 +22,7 @@ bool ReportError(ApiStatus status)
 
 int ReportSuccess(const char *sName)
 {
-    printf("\n%s was SUCCESSFUL.\n", sName);
+    printf("\n%s" TEXT_SUCCESSFUL "\n", sName);
     return 0;
 }
 
