@@ -1,0 +1,99 @@
+#include "report_options.h"
+
+#include <getopt.h>
+
+#include <cstdio>
+
+namespace q7report {
+namespace {
+
+const char kHelp[] =
+    "Usage: q7cal-report [OPTION]... [TRANSCRIPT]...\n"
+    "Judge q7cal session transcripts (standard input when none is named, or -),\n"
+    "each the session of one unit.\n"
+    "\n"
+    "An automated run is judged check by check: every PASS or FAIL line, every\n"
+    "DSD and block checksum and the calibration state (NOT VALID fails), the\n"
+    "device mode restored at the end, every error (but the GPIO writes after the\n"
+    "write permission is set to 0, which must be refused), and the run reaching\n"
+    "its final Pop[ 0]. Every other command passes with its SUCCESSFUL line and\n"
+    "fails with an error, a WARNING, verify errors or no ending. Every value the\n"
+    "unit prints is a measurement, judged by its limits where it has any; in a\n"
+    "scripted session, a menu that refuses a stray answer fails it as out of step.\n"
+    "\n"
+    "  --unit=ID         the unit's ID (serial number), for one transcript\n"
+    "  --station=ID      the test station\n"
+    "  --operator=NAME   who tested the unit\n"
+    "  --limits=FILE     judge measured values by this JSON table instead of the\n"
+    "                    one built in (limits.json in the program's documents)\n"
+    "  --junit=FILE      also write JUnit XML to FILE, a test suite per unit\n"
+    "  --json=FILE       also write the units' records as JSON to FILE\n"
+    "  --html=FILE       also write a page with plots to FILE, to open offline\n"
+    "  -h, --help        show this help and exit\n"
+    "  -V, --version     show the version and exit\n"
+    "\n"
+    "Prints one summary line per unit on standard output and each failure on\n"
+    "standard error. Exit status: 0 every unit passed, 1 something failed or\n"
+    "nothing was judged, 2 a wrong command line or limits table, an input that\n"
+    "cannot be read or is not a q7cal transcript, or a report that cannot be\n"
+    "written.\n"
+    "Example: q7cal < unit.answers | q7cal-report --unit=SN1042 --junit=unit.xml\n";
+
+enum LongOption { kUnit = 256, kStation, kOperator, kLimits, kJunit, kJson, kHtml };
+const struct option kOptions[] = {
+    {"unit", required_argument, nullptr, kUnit},         {"station", required_argument, nullptr, kStation},
+    {"operator", required_argument, nullptr, kOperator}, {"limits", required_argument, nullptr, kLimits},
+    {"junit", required_argument, nullptr, kJunit},       {"json", required_argument, nullptr, kJson},
+    {"html", required_argument, nullptr, kHtml},         {"help", no_argument, nullptr, 'h'},
+    {"version", no_argument, nullptr, 'V'},              {nullptr, 0, nullptr, 0},
+};
+
+// `what` empty: getopt_long has said what is wrong.
+std::optional<Options> WrongCommandLine(const std::string &what, int &status)
+{
+    if (!what.empty())
+        std::fprintf(stderr, "q7cal-report: %s\n", what.c_str());
+    std::fputs("Try 'q7cal-report --help' for more information.\n", stderr);
+    status = kTrouble;
+    return std::nullopt;
+}
+
+std::optional<Options> PrintAndEnd(const char *text, int &status)
+{
+    std::fputs(text, stdout);
+    status = std::fflush(stdout) == 0 ? kAllPassed : kTrouble;
+    return std::nullopt;
+}
+
+}  // namespace
+
+std::optional<Options> ParseCommandLine(int argc, char *argv[], int &status)
+{
+    Options options;
+    int option = 0;
+    optind = 1;
+    while ((option = getopt_long(argc, argv, "hV", kOptions, nullptr)) != -1) {
+        switch (option) {
+        case 'h': return PrintAndEnd(kHelp, status);
+        case 'V': return PrintAndEnd("q7cal-report " Q7CAL_VERSION "\n", status);
+        case kUnit: options.context.unit = optarg; break;
+        case kStation: options.context.station = optarg; break;
+        case kOperator: options.context.operatorName = optarg; break;
+        case kLimits: options.limitsFile = optarg; break;
+        case kJunit: options.junitFile = optarg; break;
+        case kJson: options.jsonFile = optarg; break;
+        case kHtml: options.htmlFile = optarg; break;
+        default: return WrongCommandLine("", status);
+        }
+    }
+    for (int i = optind; i < argc; i++)
+        options.transcripts.push_back(argv[i]);
+    if (options.transcripts.empty())
+        options.transcripts.push_back("-");
+    if (!options.context.unit.empty() && options.transcripts.size() > 1)
+        return WrongCommandLine("--unit names one unit: give one transcript with it", status);
+    options.context.reportVersion = Q7CAL_VERSION;
+    return options;
+}
+
+}  // namespace q7report

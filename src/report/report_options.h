@@ -1,0 +1,30 @@
+// q7cal-report's command line, read as getopt_long reads it.
+#ifndef Q7REPORT_REPORT_OPTIONS_H
+#define Q7REPORT_REPORT_OPTIONS_H
+
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "unit_record.h"
+
+namespace q7report {
+
+enum ExitStatus { kAllPassed = 0, kSomethingFailed = 1, kTrouble = 2 };
+
+struct Options {
+    RunContext context;  // the unit, station and operator given
+    std::string limitsFile;
+    std::string junitFile;
+    std::string jsonFile;
+    std::string htmlFile;
+    std::vector<std::string> transcripts;  // "-" for standard input
+};
+
+// The options, or nothing when the program ends here, with `status` set:
+// after the help or the version, or a wrong command line (said on stderr).
+std::optional<Options> ParseCommandLine(int argc, char *argv[], int &status);
+
+}  // namespace q7report
+
+#endif
