@@ -122,6 +122,101 @@ automated_run_wall() {
     "<= +2%: $(verdict "$ms" "$((AUTOMATED_SLEEPS_MS * 102 / 100))")"
 }
 
+# ---- q7cal-report's history ----
+REPORT=build/q7cal-report
+GOLDEN=tests/golden/report
+HISTORY_UNITS=100000
+HISTORY_GOAL_MS=200
+now_ms() { echo $(($(date +%s%N) / 1000000)); }
+
+# Appending a unit against judging it: q7cal-report on one transcript with
+# and without --db; the difference is the append. LABEL DATABASE.
+history_append() {
+  local i start
+  : >"$work/judge"
+  : >"$work/append"
+  for ((i = 0; i < RUNS; i++)); do
+    start=$(now_ms)
+    "$REPORT" "$GOLDEN/healthy_run.in" >/dev/null
+    echo $(($(now_ms) - start)) >>"$work/judge"
+    start=$(now_ms)
+    "$REPORT" --db="$2" --unit="A$i" "$GOLDEN/healthy_run.in" >/dev/null
+    echo $(($(now_ms) - start)) >>"$work/append"
+  done
+  local judge append cost
+  judge=$(median <"$work/judge")
+  append=$(median <"$work/append")
+  cost=$(awk -v a="$append" -v j="$judge" 'BEGIN { c = a - j; printf "%.1f", (c > 0.1 ? c : 0.1) }')
+  row "History append, $1 (units/s)" "$(awk -v c="$cost" 'BEGIN { printf "%.0f", 1000 / c }')" \
+    "judging: $judge ms/unit" "append $cost ms < judging: $(verdict "$cost" "$judge")"
+}
+
+# The statements that make 100,000 units of the first 100: each copied with
+# a unit name of its own, its checks and its measurements with it.
+replicate_units() {
+  local copies=$((HISTORY_UNITS / 100 - 1))
+  cat <<SQL
+WITH RECURSIVE k(n) AS (SELECT 1 UNION ALL SELECT n + 1 FROM k WHERE n < $copies)
+INSERT INTO runs (id, unit, unit_id, mac_address, simulated, station, operator, hostname, source, started,
+                  seconds, passed, report_version, identity)
+SELECT r.id + k.n * 100, r.unit || '-' || k.n, r.unit_id, r.mac_address, r.simulated, r.station, r.operator,
+       r.hostname, r.source, r.started, r.seconds, r.passed, r.report_version, r.identity
+FROM runs r, k WHERE r.id <= 100;
+WITH RECURSIVE k(n) AS (SELECT 1 UNION ALL SELECT n + 1 FROM k WHERE n < $copies)
+INSERT INTO checks (run_id, position, class, name, passed, expected_error, type, message, line, at_seconds, seconds)
+SELECT c.run_id + k.n * 100, c.position, c.class, c.name, c.passed, c.expected_error, c.type, c.message, c.line,
+       c.at_seconds, c.seconds
+FROM checks c, k WHERE c.run_id <= 100;
+WITH RECURSIVE k(n) AS (SELECT 1 UNION ALL SELECT n + 1 FROM k WHERE n < $copies)
+INSERT INTO measurements (run_id, position, name, quantity, class, command, unit, value, array_values, low, high,
+                          passed, line)
+SELECT m.run_id + k.n * 100, m.position, m.name, m.quantity, m.class, m.command, m.unit, m.value, m.array_values,
+       m.low, m.high, m.passed, m.line
+FROM measurements m, k WHERE m.run_id <= 100;
+SQL
+}
+
+# The yield query over 100,000 stored units: 100 appended (four kinds of
+# unit, five stations, 30 days, a tenth tested twice), then copied. LABEL
+# DATABASE RUN-SQL-COMMAND.
+history_query() {
+  local label=$1 database=$2 run_sql=$3 i n=0 start kinds=(healthy_run corrupted_store hot_unit stuck_led)
+  for ((i = 0; i < 100; i++)); do
+    cp "$GOLDEN/${kinds[i % 4]}.in" "$work/unit.log"
+    touch -d "2026-10-$(printf %02d $((1 + i % 30)))T10:00:00Z" "$work/unit.log"
+    # A failing unit is judged so (status 1), and kept all the same.
+    "$REPORT" --db="$database" --unit="U$((i - i / 10))" --station="ST$((i % 5))" "$work/unit.log" >/dev/null 2>&1 ||
+      [ $? -eq 1 ]
+  done
+  replicate_units | $run_sql
+  : >"$work/query"
+  for ((i = 0; i < RUNS; i++)); do
+    start=$(now_ms)
+    "$REPORT" --history --db="$database" >/dev/null
+    echo $(($(now_ms) - start)) >>"$work/query"
+  done
+  local ms
+  ms=$(median <"$work/query")
+  row "History yield query, $label (ms)" "$ms" "$HISTORY_UNITS units" \
+    "< $HISTORY_GOAL_MS ms: $(verdict "$ms" "$((HISTORY_GOAL_MS - 1))")"
+}
+
+sqlite_script() { /usr/bin/python3 -c 'import sqlite3, sys; db = sqlite3.connect(sys.argv[1]); db.executescript(sys.stdin.read()); db.commit()' "$1"; }
+
+history_rows() {
+  history_append "SQLite" "$work/append.db"
+  history_query "SQLite" "$work/query.db" "sqlite_script $work/query.db"
+  local uri
+  if ! uri=$(scripts/scratch-postgres.sh start "$work/pg"); then
+    row "History, PostgreSQL" "-" "not installed" "-"
+    return
+  fi
+  trap 'scripts/scratch-postgres.sh stop "$work/pg"; rm -rf "$work"' EXIT
+  history_append "PostgreSQL" "$uri"
+  psql -q "$uri" -c "CREATE DATABASE query"
+  history_query "PostgreSQL" "${uri%/q7cal}/query" "psql -q -v ON_ERROR_STOP=1 ${uri%/q7cal}/query"
+}
+
 echo "q7cal bench: Release build, $(nproc) cores, medians of $RUNS runs"
 row "Measure" "q7cal" "Reference" "Goal"
 start_exit "CPU (ms)" cpu_ms
@@ -129,3 +224,4 @@ start_exit "peak RSS (KiB)" peak_kib
 sleep_excess
 flash2x_write_cpu
 automated_run_wall
+history_rows

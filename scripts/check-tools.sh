@@ -58,11 +58,14 @@ run_tools() {
   need make has make
   need libedit-dev test -f /usr/include/histedit.h
 }
-# Plain make: also q7cal-report, whose JUnit and JSON writers these are.
+# Plain make: also q7cal-report: its JUnit and JSON writers, and the
+# history in SQLite or PostgreSQL.
 build_tools() {
   run_tools
   need libtinyxml2-dev test -f /usr/include/tinyxml2.h
   need nlohmann-json3-dev test -f /usr/include/nlohmann/json.hpp
+  need libsqlite3-dev test -f /usr/include/sqlite3.h
+  need libpq-dev test -f /usr/include/postgresql/libpq-fe.h
 }
 # make test: GoogleTest, and the real readers of q7cal-report's files
 # (dygraphs also draws the page's plots).
@@ -73,6 +76,8 @@ test_tools() {
   need libxml2-utils has xmllint
   need python3-junitparser /usr/bin/python3 -c 'import junitparser'
   need chromium has chromium
+  # A real PostgreSQL server for the history's tests.
+  need postgresql compgen -G '/usr/lib/postgresql/*/bin/postgres'
 }
 fuzz_tools() {
   fuzzer_links || missing+=(clang libclang-rt-dev)

@@ -4,6 +4,8 @@
 
 #include <cstdio>
 
+#include "history_report.h"
+
 namespace q7report {
 namespace {
 
@@ -29,6 +31,15 @@ const char kHelp[] =
     "  --junit=FILE      also write JUnit XML to FILE, a test suite per unit\n"
     "  --json=FILE       also write the units' records as JSON to FILE\n"
     "  --html=FILE       also write a page with plots to FILE, to open offline\n"
+    "  --db=DATABASE     also append each unit's record to the history in\n"
+    "                    DATABASE: an SQLite file (created on first use) or a\n"
+    "                    PostgreSQL server's postgresql:// URI\n"
+    "  --history         instead of judging, say what the history in --db holds:\n"
+    "                    units tested, first-pass and final yield, the checks\n"
+    "                    that fail most, per station and per day; with --unit,\n"
+    "                    that unit's runs; --json and --html write it too\n"
+    "  --since=DAY, --until=DAY  the history's span, both days inclusive\n"
+    "                    (YYYY-MM-DD, or a UTC time YYYY-MM-DDTHH:MM:SS)\n"
     "  -h, --help        show this help and exit\n"
     "  -V, --version     show the version and exit\n"
     "\n"
@@ -37,14 +48,17 @@ const char kHelp[] =
     "nothing was judged, 2 a wrong command line or limits table, an input that\n"
     "cannot be read or is not a q7cal transcript, or a report that cannot be\n"
     "written.\n"
-    "Example: q7cal < unit.answers | q7cal-report --unit=SN1042 --junit=unit.xml\n";
+    "Example: q7cal < unit.answers | q7cal-report --unit=SN1042 --junit=unit.xml\n"
+    "         q7cal-report --history --db=station.db --since=2026-11-01\n";
 
-enum LongOption { kUnit = 256, kStation, kOperator, kLimits, kJunit, kJson, kHtml };
+enum LongOption { kUnit = 256, kStation, kOperator, kLimits, kJunit, kJson, kHtml, kDb, kHistory, kSince, kUntil };
 const struct option kOptions[] = {
     {"unit", required_argument, nullptr, kUnit},         {"station", required_argument, nullptr, kStation},
     {"operator", required_argument, nullptr, kOperator}, {"limits", required_argument, nullptr, kLimits},
     {"junit", required_argument, nullptr, kJunit},       {"json", required_argument, nullptr, kJson},
-    {"html", required_argument, nullptr, kHtml},         {"help", no_argument, nullptr, 'h'},
+    {"html", required_argument, nullptr, kHtml},         {"db", required_argument, nullptr, kDb},
+    {"history", no_argument, nullptr, kHistory},         {"since", required_argument, nullptr, kSince},
+    {"until", required_argument, nullptr, kUntil},       {"help", no_argument, nullptr, 'h'},
     {"version", no_argument, nullptr, 'V'},              {nullptr, 0, nullptr, 0},
 };
 
@@ -83,11 +97,28 @@ std::optional<Options> ParseCommandLine(int argc, char *argv[], int &status)
         case kJunit: options.junitFile = optarg; break;
         case kJson: options.jsonFile = optarg; break;
         case kHtml: options.htmlFile = optarg; break;
+        case kDb: options.database = optarg; break;
+        case kHistory: options.history = true; break;
+        case kSince: options.since = optarg; break;
+        case kUntil: options.until = optarg; break;
         default: return WrongCommandLine("", status);
         }
     }
     for (int i = optind; i < argc; i++)
         options.transcripts.push_back(argv[i]);
+    if (options.history) {
+        if (options.database.empty())
+            return WrongCommandLine("--history reads the history of --db: name it", status);
+        if (!options.transcripts.empty() || !options.junitFile.empty() || !options.limitsFile.empty())
+            return WrongCommandLine("--history judges no transcript", status);
+        for (const std::string *day : {&options.since, &options.until})
+            if (!day->empty() && !IsHistoryTime(*day))
+                return WrongCommandLine("'" + *day + "' is no day (YYYY-MM-DD) or time (YYYY-MM-DDTHH:MM:SS)", status);
+        options.context.reportVersion = Q7CAL_VERSION;
+        return options;
+    }
+    if (!options.since.empty() || !options.until.empty())
+        return WrongCommandLine("--since and --until belong to --history", status);
     if (options.transcripts.empty())
         options.transcripts.push_back("-");
     if (!options.context.unit.empty() && options.transcripts.size() > 1)

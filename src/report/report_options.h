@@ -19,6 +19,10 @@ struct Options {
     std::string jsonFile;
     std::string htmlFile;
     std::vector<std::string> transcripts;  // "-" for standard input
+    std::string database;  // --db: an SQLite file or a postgresql:// URI
+    bool history = false;  // --history: read the history instead of judging
+    std::string since;     // --since, --until: the span of the history
+    std::string until;
 };
 
 // The options, or nothing when the program ends here, with `status` set:
