@@ -213,11 +213,11 @@ std::string HistoryText(const History &history, const HistoryFilter &filter)
     text = "q7cal-report history, " + Span(filter) + "\n";
     std::snprintf(line, sizeof line, "  Units tested      %lld, in %lld runs\n", total.units, total.runs);
     text += line;
-    std::snprintf(line, sizeof line, "  First-pass yield  %s (%lld units passed their first run)\n",
-                  Percent(total.firstPassed, total.units).c_str(), total.firstPassed);
+    std::snprintf(line, sizeof line, "  First-pass yield  %s (first run passed: %lld of %lld)\n",
+                  Percent(total.firstPassed, total.units).c_str(), total.firstPassed, total.units);
     text += line;
-    std::snprintf(line, sizeof line, "  Final yield       %s (%lld units passed their last run)\n",
-                  Percent(total.finallyPassed, total.units).c_str(), total.finallyPassed);
+    std::snprintf(line, sizeof line, "  Final yield       %s (last run passed: %lld of %lld)\n",
+                  Percent(total.finallyPassed, total.units).c_str(), total.finallyPassed, total.units);
     text += line;
     text += "\nFailures by check, the most first:\n";
     std::snprintf(line, sizeof line, "  %8s  %s\n", "Failures", "Check");

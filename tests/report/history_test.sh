@@ -53,7 +53,7 @@ assert stations == {"ST1": (3, 3, 1, 1), "ST2": (4, 4, 2, 2)}, stations
 days = {d["day"]: (d["units"], d["first_passed"]) for d in h["days"]}
 assert days == {"2026-11-20": (3, 1), "2026-11-21": (4, 2)}, days
 PY
-  grep -q '^  First-pass yield  40.0 % (2 units passed their first run)$' "$scratch/history.txt" ||
+  grep -q '^  First-pass yield  40.0 % (first run passed: 2 of 5)$' "$scratch/history.txt" ||
     fail "$1: the text does not say the first-pass yield: $(cat "$scratch/history.txt")"
   "$report" --history --db="$1" --since=2026-11-21 --json="$scratch/since.json" >/dev/null
   /usr/bin/python3 -c 'import json,sys; t=json.load(open(sys.argv[1]))["total"]; assert (t["units"], t["runs"]) == (4, 4), t' \
