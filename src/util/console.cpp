@@ -4,6 +4,7 @@
 #include <errno.h>
 #include <limits.h>
 #include <math.h>
+#include <poll.h>
 #include <signal.h>
 #include <stdarg.h>
 #include <stdio.h>
@@ -201,11 +202,36 @@ static int gs_iEditedRead = 0;
 
 static const char *EditorPrompt(void) { return gs_sOutputTail; }
 
+/* Waits until the terminal has a byte; false when a stop signal has come,
+ * also one that came before the wait began: the stop signals are blocked
+ * while the flag is looked at, and let in only by ppoll itself, so a Ctrl-C
+ * typed just as the prompt appears is never left waiting for a key. */
+static bool TerminalByteReady(void)
+{
+    sigset_t stStops, stBefore;
+    sigemptyset(&stStops);
+    sigaddset(&stStops, SIGINT);
+    sigaddset(&stStops, SIGTERM);
+    sigaddset(&stStops, SIGHUP);
+    sigprocmask(SIG_BLOCK, &stStops, &stBefore);
+    int iReady = 0;
+    while (gs_iStopSignal == 0 && iReady <= 0) {
+        struct pollfd stTerminal = {STDIN_FILENO, POLLIN, 0};
+        iReady = ppoll(&stTerminal, 1, NULL, &stBefore);
+        if (iReady < 0 && errno != EINTR)
+            break; /* the read says what is wrong */
+    }
+    sigprocmask(SIG_SETMASK, &stBefore, NULL);
+    return gs_iStopSignal == 0;
+}
+
 /* One byte of the terminal for the editor: 1, 0 at end of input, -1 when a
  * stop signal interrupts the read (the editor then gives up the line). */
 static int ReadTerminalByte(unsigned char *pu8Byte)
 {
     for (;;) {
+        if (!TerminalByteReady())
+            return -1;
         ssize_t iRead = read(STDIN_FILENO, pu8Byte, 1);
         if (iRead == 1)
             return 1;
