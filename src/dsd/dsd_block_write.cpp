@@ -68,7 +68,7 @@ static int WriteBlock(const DsdRange *pRange, const DsdAreas *pAreas)
 
     if (!ReadWriteKey(pRange->hCal, &u32Key) || !ReadUnsigned(&u32Restore, RESTORE_PROMPT))
         return -1;
-    if (u32Restore != 0 && !ReadOriginal(pRange, pAreas))
+    if (u32Restore != 0 && !ReadOriginal(pRange, pAreas, &u32Returned))
         return -1;
     if (!FillDataPattern(&gs_stWordElement, pAreas->pu8Write, pRange->u32Size / 4u))
         return -1;

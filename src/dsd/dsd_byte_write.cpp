@@ -112,7 +112,7 @@ static int WriteBytes(const DsdRange *pRange, const DsdAreas *pAreas, const Byte
     if (!ReadWriteKey(pRange->hCal, &u32Key) || !ReadUnsigned(&u32Restore, RESTORE_PROMPT))
         return -1;
     if (u32Restore != 0 || pWrite->bFlash2x) {
-        if (!ReadOriginal(pRange, pAreas))
+        if (!ReadOriginal(pRange, pAreas, &u32Returned))
             return -1;
         printf("\nRead %d bytes from dev data memory\n", (int)pRange->u32Size);
     }

@@ -79,10 +79,9 @@ static int WriteRegion(const DsdRange *pRange, const DsdAreas *pAreas, uint32_t 
     uint32_t u32Restore = 0;
     uint32_t u32Errors = 0;
 
-    if (!ReadOriginal(pRange, pAreas))
+    if (!ReadOriginal(pRange, pAreas, &u32Returned))
         return -1;
-    /* What the reads returned: the whole region, as they must have. */
-    printf("\nNumber of bytes returned by ReadDSDRegionByID = %u bytes\n", pRange->u32Size);
+    printf("\nNumber of bytes returned by ReadDSDRegionByID = %u bytes\n", u32Returned);
     if (!ReadUnsigned(&u32ToWrite, "\nNumber of bytes to write (<= %d): ", (int)pRange->u32Size))
         return -1;
     if (u32ToWrite > pRange->u32Size)

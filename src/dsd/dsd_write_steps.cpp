@@ -99,7 +99,7 @@ ApiStatus WriteRange(const DsdRange *pRange, uint32_t u32Key, const uint8_t *pu8
     return Q7_WriteDSDBytes(pRange->hCal, u32Key, pu8Source, u32Count, pRange->u32Address, pu32Written);
 }
 
-bool ReadOriginal(const DsdRange *pRange, const DsdAreas *pAreas)
+bool ReadOriginal(const DsdRange *pRange, const DsdAreas *pAreas, uint32_t *pu32Returned)
 {
     uint8_t *apu8Reads[2] = {pAreas->pu8Original, pAreas->pu8ReadBack};
     const uint8_t au8Fill[2] = {0x00, 0xFF};
@@ -109,6 +109,8 @@ bool ReadOriginal(const DsdRange *pRange, const DsdAreas *pAreas)
         FillArea(apu8Reads[i], pRange->u32Size, au8Fill[i]);
         if (ReportReadError(ReadRange(pRange, apu8Reads[i], &u32Returned)))
             return false;
+        if (i == 0)
+            *pu32Returned = u32Returned;
         if (u32Returned < pRange->u32Size) {
             printf("\nERROR: Only %u of the %u bytes of the original contents could be read: nothing was written\n",
                    u32Returned, pRange->u32Size);

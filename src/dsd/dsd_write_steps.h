@@ -91,8 +91,10 @@ ApiStatus WriteRange(const DsdRange *pRange, uint32_t u32Key, const uint8_t *pu8
 /* The original contents, read twice, into the original area (cleared first)
  * and into the read-back area (filled with 0xFF first): a read that comes
  * back short or with a changed byte cannot agree with the other, and is
- * never written back. False after the error line; nothing has been written. */
-bool ReadOriginal(const DsdRange *pRange, const DsdAreas *pAreas);
+ * never written back. False after the error line; nothing has been written.
+ * *pu32Returned: the count the first read returned (at least the range's
+ * size when true). */
+bool ReadOriginal(const DsdRange *pRange, const DsdAreas *pAreas, uint32_t *pu32Returned);
 
 /* The restore: the restoring line, a fresh key whatever the data write used,
  * the original area written back over the range and the count line; then the
