@@ -8,7 +8,8 @@ Every code line of src/ (strings, characters and comments masked) offers its
 sites to five operators:
   compare   a comparison flipped or moved by one (== !=, < <=, > >=)
   logic     && and || swapped, a ! dropped
-  constant  an integer literal moved by one (+1, or -1 from 1 and above)
+  constant  an integer literal moved by one (+1, or -1 from 1 and above), but
+            not an array's declared size
   return    a returned value swapped (true false, 0 -1, a value for 0)
   call      a call standing alone as a statement deleted
 The sites are shuffled with SEED and tried in that order until N mutants
@@ -40,17 +41,26 @@ EQUIVALENT_LIST = os.path.join(ROOT, "scripts", "equivalent-mutants.txt")
 
 
 def masked_lines(text):
-    """The file's lines with string and character literals and comments
-    blanked (same length), so that no site falls inside one."""
-    out, in_block = [], False
+    """The file's lines with string and character literals (raw ones too:
+    the report's page script and style) and comments blanked (same length),
+    so that no site falls inside one."""
+    out, in_block, raw_end = [], False, None
     for line in text.split("\n"):
         chars, i, n = list(line), 0, len(line)
         while i < n:
-            if in_block:
+            if raw_end is not None:
+                end = line.find(raw_end, i)
+                stop = n if end < 0 else end + len(raw_end)
+                chars[i:stop] = " " * (stop - i)
+                raw_end, i = (raw_end if end < 0 else None), stop
+            elif in_block:
                 end = line.find("*/", i)
                 stop = n if end < 0 else end + 2
                 chars[i:stop] = " " * (stop - i)
                 in_block, i = end < 0, stop
+            elif re.match(r'R"([^(\s]*)\(', line[i:]) and (i == 0 or not (line[i - 1].isalnum() or line[i - 1] == "_")):
+                raw_end = ")" + re.match(r'R"([^(\s]*)\(', line[i:]).group(1) + '"'
+                i += 1
             elif line.startswith("//", i):
                 chars[i:] = " " * (n - i)
                 break
@@ -82,6 +92,7 @@ SWAPS = [
 INTEGER = re.compile(r"(?<![\w.])(0[xX][0-9A-Fa-f]+|\d+)([uU]?[lL]{0,2})(?![\w.])")
 # A call standing alone: name(...); on one line, its value unused.
 LONE_CALL = re.compile(r"^(\s*)(?:\(void\))?[A-Za-z_][\w:]*(?:(?:\.|->)[A-Za-z_]\w*)*\(.*\);\s*$")
+ARRAY_DECLARATION = re.compile(r"^\s*(?:static\s+)?(?:const\s+)?[\w:]+\s+\**\w+\[")
 SKIPPED_LINE = re.compile(r"^\s*(#\s*include|#\s*if|#\s*endif|#\s*pragma|static_assert|case\b|template\b)")
 
 
@@ -97,6 +108,8 @@ def sites(path, text):
                 new = line[:match.start()] + replacement + line[match.end():]
                 found.append((path, number, operator, line, new))
         for match in INTEGER.finditer(code):
+            if ARRAY_DECLARATION.match(code) and code.rfind("[", 0, match.start()) > code.rfind("]", 0, match.start()):
+                continue  # an array's size: a larger one changes nothing, a smaller one the compiler may see
             value = int(match.group(1), 0)
             for moved in ([value + 1] if value == 0 else [value + 1, value - 1]):
                 literal = "0x%X" % moved if match.group(1)[:2] in ("0x", "0X") else str(moved)

@@ -7,6 +7,8 @@
 #include <cstring>
 #include <map>
 
+#include "report_writers.h"
+
 namespace q7report {
 namespace {
 
@@ -115,14 +117,6 @@ void YieldTable(std::string &text, const char *title, const char *column, const 
                       Percent(yield.finallyPassed, yield.units).c_str());
         text += line;
     }
-}
-
-std::string Escape(const std::string &text)
-{
-    std::string escaped;
-    for (char c : text)
-        escaped += c == '<' ? "&lt;" : c == '>' ? "&gt;" : c == '&' ? "&amp;" : c == '"' ? "&quot;" : std::string(1, c);
-    return escaped;
 }
 
 }  // namespace
@@ -281,12 +275,10 @@ std::string HistoryPage(const History &history, const HistoryFilter &filter, con
         cumulative += check.failures;
         pareto.push_back({i + 1, check.failures, 100.0 * static_cast<double>(cumulative) / static_cast<double>(all)});
         rows += "<tr><td class=\"number\">" + std::to_string(i + 1) + "</td><td class=\"number\">" +
-                std::to_string(check.failures) + "</td><td>" + Escape(check.classname + ": " + check.name) +
+                std::to_string(check.failures) + "</td><td>" + HtmlEscape(check.classname + ": " + check.name) +
                 "</td></tr>\n";
     }
-    std::string data = "{\"days\": " + days.dump() + ", \"pareto\": " + pareto.dump() + "}";
-    for (size_t at = data.find("</"); at != std::string::npos; at = data.find("</", at + 2))
-        data.replace(at, 2, "<\\/");
+    std::string data = ScriptJson({{"days", days}, {"pareto", pareto}});
 
     const Yield &total = history.total;
     std::string page = "<!DOCTYPE html>\n<html lang=\"en\">\n<head>\n<meta charset=\"utf-8\">\n"
@@ -299,7 +291,7 @@ h1 { font-size: 22px; } h2 { font-size: 17px; margin-top: 28px; }
 table { border-collapse: collapse; } td, th { padding: 3px 14px 3px 0; text-align: left; }
 td.number { text-align: right; font-variant-numeric: tabular-nums; }
 )css" + "</style>\n<script>\n" + plotLibrary +
-                       "\n</script>\n</head>\n<body>\n<h1>q7cal-report history, " + Escape(Span(filter)) +
+                       "\n</script>\n</head>\n<body>\n<h1>q7cal-report history, " + HtmlEscape(Span(filter)) +
                        "</h1>\n<div class=\"figures\">\n<div><div class=\"figure\" id=\"units\">" +
                        std::to_string(total.units) + "</div>units tested</div>\n<div><div class=\"figure\" "
                        "id=\"first-pass\">" + Percent(total.firstPassed, total.units) +

@@ -8,30 +8,6 @@
 namespace q7report {
 namespace {
 
-std::string Escape(const std::string &text)
-{
-    std::string escaped;
-    for (char c : text) {
-        switch (c) {
-        case '&': escaped += "&amp;"; break;
-        case '<': escaped += "&lt;"; break;
-        case '>': escaped += "&gt;"; break;
-        case '"': escaped += "&quot;"; break;
-        default: escaped += c;
-        }
-    }
-    return escaped;
-}
-
-// JSON inside a <script> element: "</" would end the element.
-std::string ScriptJson(const nlohmann::ordered_json &value)
-{
-    std::string text = value.dump();
-    for (size_t at = text.find("</"); at != std::string::npos; at = text.find("</", at + 2))
-        text.replace(at, 2, "<\\/");
-    return text;
-}
-
 std::string Number(double value)
 {
     char text[32];
@@ -105,7 +81,7 @@ void Identity(std::string &page, const UnitRecord &record, const RunContext &con
 {
     auto row = [&page](const std::string &label, const std::string &value) {
         if (!value.empty())
-            page += "<tr><th>" + Escape(label) + "</th><td>" + Escape(value) + "</td></tr>\n";
+            page += "<tr><th>" + HtmlEscape(label) + "</th><td>" + HtmlEscape(value) + "</td></tr>\n";
     };
     page += "<table class=\"identity\">\n";
     row("Unit", UnitName(record, context));
@@ -129,10 +105,10 @@ void CheckTable(std::string &page, const UnitRecord &record, bool failures)
         if (check.passed == failures)
             continue;
         page += std::string("<tr class=\"") + (check.passed ? "passed" : "failed") + "\"><td class=\"" +
-                ResultClass(check.passed) + "\">" + ResultWord(check.passed) + "</td><td>" + Escape(check.classname) +
-                "</td><td>" + Escape(check.name);
+                ResultClass(check.passed) + "\">" + ResultWord(check.passed) + "</td><td>" + HtmlEscape(check.classname) +
+                "</td><td>" + HtmlEscape(check.name);
         if (!check.passed)
-            page += "<br><strong>" + Escape(check.message) + "</strong><pre>" + Escape(check.evidence) + "</pre>";
+            page += "<br><strong>" + HtmlEscape(check.message) + "</strong><pre>" + HtmlEscape(check.evidence) + "</pre>";
         char time[32];
         std::snprintf(time, sizeof time, "%.3f", check.seconds);
         page += "</td><td class=\"number\">" + std::string(time) + "</td><td class=\"number\">" +
@@ -165,7 +141,7 @@ void MeasurementRow(std::string &page, const Measurement &measurement)
     }
     bool judged = measurement.limit.has_value();
     page += std::string("<tr") + (judged && !measurement.withinLimits ? " class=\"failed\"" : "") + "><td>" +
-            Escape(measurement.name) + "</td><td class=\"number\">" + value + "</td><td>" + Escape(measurement.unit) +
+            HtmlEscape(measurement.name) + "</td><td class=\"number\">" + value + "</td><td>" + HtmlEscape(measurement.unit) +
             "</td><td class=\"number\">" + (judged ? Number(measurement.limit->low) : "") +
             "</td><td class=\"number\">" + (judged ? Number(measurement.limit->high) : "") + "</td><td" +
             (judged ? std::string(" class=\"") + ResultClass(measurement.withinLimits) + "\">" +
@@ -196,6 +172,29 @@ void Measurements(std::string &page, const UnitRecord &record)
 
 }  // namespace
 
+std::string HtmlEscape(const std::string &text)
+{
+    std::string escaped;
+    for (char c : text) {
+        switch (c) {
+        case '&': escaped += "&amp;"; break;
+        case '<': escaped += "&lt;"; break;
+        case '>': escaped += "&gt;"; break;
+        case '"': escaped += "&quot;"; break;
+        default: escaped += c;
+        }
+    }
+    return escaped;
+}
+
+std::string ScriptJson(const nlohmann::ordered_json &value)
+{
+    std::string text = value.dump();
+    for (size_t at = text.find("</"); at != std::string::npos; at = text.find("</", at + 2))
+        text.replace(at, 2, "<\\/");
+    return text;
+}
+
 std::string HtmlPage(const std::vector<UnitRecord> &records, const RunContext &context,
                      const std::string &plotLibrary, const std::string &plotStyle)
 {
@@ -208,12 +207,12 @@ std::string HtmlPage(const std::vector<UnitRecord> &records, const RunContext &c
     page += std::string(ResultWord(passed)) + "</title>\n<style>\n" + plotStyle + kStyle + "</style>\n<script>\n" +
             plotLibrary + "\n</script>\n</head>\n<body>\n<header>\n<div id=\"verdict\" class=\"" + ResultClass(passed) +
             "\">" + ResultWord(passed) + "</div>\n<div class=\"about\">" + std::to_string(records.size()) +
-            (records.size() == 1 ? " unit" : " units") + " judged by q7cal-report " + Escape(context.reportVersion) +
-            " on " + Escape(context.hostname) + "</div>\n</header>\n";
+            (records.size() == 1 ? " unit" : " units") + " judged by q7cal-report " + HtmlEscape(context.reportVersion) +
+            " on " + HtmlEscape(context.hostname) + "</div>\n</header>\n";
     for (size_t unit = 0; unit < records.size(); unit++) {
         const UnitRecord &record = records[unit];
         page += "<section class=\"unit\" id=\"unit-" + std::to_string(unit) + "\">\n<h1>Unit " +
-                Escape(UnitName(record, context)) + " <span class=\"" + ResultClass(record.Passed()) + "\">" +
+                HtmlEscape(UnitName(record, context)) + " <span class=\"" + ResultClass(record.Passed()) + "\">" +
                 ResultWord(record.Passed()) + "</span>" +
                 (record.Simulated() ? " <span class=\"badge\">simulated device</span>" : "") + "</h1>\n";
         Identity(page, record, context);
@@ -221,7 +220,7 @@ std::string HtmlPage(const std::vector<UnitRecord> &records, const RunContext &c
         page += "<h2>Plots</h2>\n<div class=\"plots\">\n";
         for (const auto &plot : plots)
             if (plot["unit"] == unit)
-                page += "<figure><figcaption>" + Escape(plot["title"].get<std::string>()) +
+                page += "<figure><figcaption>" + HtmlEscape(plot["title"].get<std::string>()) +
                         "</figcaption><div class=\"graph\" id=\"" + plot["id"].get<std::string>() +
                         "\"></div></figure>\n";
         page += "</div>\n";

@@ -32,6 +32,11 @@ nlohmann::ordered_json UnitJson(const UnitRecord &record, const RunContext &cont
 // Every unit's record, under the schema version and the report's version.
 std::string JsonDocument(const std::vector<UnitRecord> &records, const RunContext &context);
 
+// Text for an HTML page, its markup characters escaped.
+std::string HtmlEscape(const std::string &text);
+// JSON to stand inside a <script> element, which "</" would end.
+std::string ScriptJson(const nlohmann::ordered_json &value);
+
 // One self-contained page: the verdict, each unit's identity, checks (failures
 // first), measurements and a plot of every list of values; `plotLibrary` is
 // the plotting script, inlined so that the page opens offline.

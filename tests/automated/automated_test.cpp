@@ -181,11 +181,15 @@ TEST_F(AutomatedTestTest, EndOfInputAbandonsTheGroupsLeftOnceAndRestoresTheMode)
 
 // ---- Read-back faults: FAIL at the check concerned, the run goes on ----
 
+// A first read that fails shows zeros, and the step still writes and judges.
 TEST_F(AutomatedTestTest, ABandThatCannotBeReadAtTheStartIsNotWrittenBack)
 {
     FailNext("Q7_GetBandConfig", 1, "Device fault");
+    FailNext("Q7_GetRxGainState", 1, "Device fault");
     std::string output = Run();
     EXPECT_TRUE(Contains(output, "ERROR: Device fault\nRead:  Freq =       0 - BW =     0\n"));
+    EXPECT_TRUE(Contains(output, "ERROR: Device fault\nRead  path 0: Ext LNA=0 - LNA=0 - PGA= 0 - Total=0\n"
+                                 "Wrote path 0: Ext LNA=1 - LNA=1 - PGA= 5\n"));
     EXPECT_TRUE(Contains(output, "Read:  Freq = 2533500 - BW =  5000 PASS\n"
                                  "Band not restored: it could not be read at the start\n"));
 }

@@ -50,9 +50,10 @@ shown = wait_for("ENTER OPTION : ")
 if "Interrupted: command abandoned." not in shown or "******** Configuration Commands ********" not in shown:
     sys.exit("FAIL: Ctrl-C inside a command did not bring the group menu back:\n" + shown)
 
-# An answer recalled with the up arrow runs the command again; the arrows
-# that have nothing to move to are no answers.
-type_keys("5\r")  # Get band configuration
+# An empty line is no answer and no end of input; an answer recalled with
+# the up arrow runs the command again; the arrows that have nothing to move
+# to are no answers.
+type_keys("\r5\r")  # an empty line, then Get band configuration
 wait_for("GetBandConfig was SUCCESSFUL.")
 wait_for("ENTER OPTION : ")
 type_keys("\x1b[B\x1b[C\x1b[A\r")

@@ -76,4 +76,8 @@ page.feed(open(dom_file).read())
 assert page.verdict == "FAIL", page.verdict
 assert len(page.graphs) == arrays, (len(page.graphs), arrays)
 assert all(canvases > 0 for canvases in page.graphs), page.graphs
+# Each unit's identity: who, where, when, how long, from what.
+dom = open(dom_file).read()
+for label in ("Station", "Operator", "Host", "Started (UTC)", "Duration", "Transcript", "MAC address"):
+    assert dom.count("<th>%s</th>" % label) == len(units), label
 print("junit, json and page: %d suites, %d units, %d plots drawn" % (len(suites), len(units), len(page.graphs)))
