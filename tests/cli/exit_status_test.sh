@@ -61,13 +61,16 @@ tail -c 100 "$work/out" | grep -q 'Interrupted by SIGTERM: command abandoned.' |
   fail "SIGTERM inside a command: no abandon line: $(tail -c 200 "$work/out")"
 
 # SIGINT while a write is blocked on a full pipe: the write goes on once the
-# reader reads, and every line arrives.
+# reader reads, and every line arrives. The pipe holds one page, so that the
+# blocked write has written nothing yet and the signal fails it with EINTR.
 spectra=$(printf '5\n9\n3\n1\n'; for _ in $(seq 12); do printf '10\n'; done; printf -- '-1\n-1\n')
 rm -f "$work/fifo"
 mkfifo "$work/fifo"
+exec 3<>"$work/fifo"
+/usr/bin/python3 -c 'import fcntl; fcntl.fcntl(3, 1031, 4096)'  # F_SETPIPE_SZ
+exec 4<"$work/fifo" 3>&-
 printf '%s\n' "$spectra" | env --default-signal=INT "$program" >"$work/fifo" 2>"$work/err" &
 pid=$!
-exec 4<"$work/fifo"
 for _ in $(seq 200); do
   [ "$(cat /proc/$pid/wchan 2>/dev/null)" = pipe_write ] && break
   sleep 0.05
