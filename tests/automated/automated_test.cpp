@@ -312,7 +312,7 @@ TEST_F(AutomatedTestTest, ASignalMidRunPutsBackWhatTheGroupChangedAndJudgesNothi
         const char *operation;
         unsigned nth;
         size_t verdicts;  // given before the signal
-    } cases[] = {{"Q7_SetBandConfig", 2, 1}, {"Q7_WriteRFICRegister", 2, 16}};
+    } cases[] = {{"Q7_SetBandConfig", 2, 1}, {"Q7_WriteRFICRegister", 2, 16}, {"Q7_ReadDSDRegionByID", 1, 19}};
     for (const Case &c : cases) {
         CatchStopSignalsInTest();
         q7sim::control::OnEveryCall([&c, seen = 0u](const std::string &operation) mutable {
@@ -322,6 +322,7 @@ TEST_F(AutomatedTestTest, ASignalMidRunPutsBackWhatTheGroupChangedAndJudgesNothi
         HandlerRun run = RunHandler(AutomatedTest, hCal, kRunAnswers);
         ReleaseStopSignals();
         EXPECT_EQ(Verdicts(run.output).size(), c.verdicts) << c.operation;
+        EXPECT_FALSE(Contains(run.output, "Region ID = 2 ")) << c.operation;  // no region read after the signal
         EXPECT_TRUE(EndsWith(run.output, "\nInterrupted by SIGTERM: command abandoned.\n" + std::string(kFinalPop)))
             << run.output;
         EXPECT_EQ(device().modes.band().centerFreqKHz, 2500000u) << c.operation;
