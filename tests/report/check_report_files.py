@@ -20,6 +20,7 @@ assert healthy.failures == 0 and healthy.tests == len(list(healthy)) > 50, (heal
 properties = {p.name: p.value for p in healthy.properties()}
 assert properties["mac_address"] == "02:1A:C7:30:5E:81", properties
 assert properties["simulated"] == "yes" and properties["station"] == "ST7" and properties["operator"] == "Ada L"
+assert properties["source"].endswith("healthy_run.in") and properties["report_version"][0].isdigit(), properties
 failed = {case.name: case.result[0] for case in corrupted if not case.is_passed}
 assert set(failed) == {"DSD Management Commands: DSD checksum", "DSD Management Commands: RF checksum",
                        "DSD Management Commands: CAL checksum", "DSD Management Commands: Calibration state"}, failed
