@@ -60,6 +60,13 @@ expect_status "SIGTERM at a prompt of Set device mode" 143 $signal_status
 tail -c 100 "$work/out" | grep -q 'Interrupted by SIGTERM: command abandoned.' ||
   fail "SIGTERM inside a command: no abandon line: $(tail -c 200 "$work/out")"
 
+# SIGTERM at the region write's verify question: the data stays written and
+# the WARNING says why.
+signal_session '7\n9\n5\n1\n10\n' "    Verify write     (1=yes/0=no) ? "
+expect_status "SIGTERM after a region write" 143 $signal_status
+grep -q '^WARNING: Original data not restored, because the session was interrupted\.$' "$work/out" ||
+  fail "SIGTERM after a region write: no WARNING with its reason: $(tail -c 300 "$work/out")"
+
 # SIGINT while a write is blocked on a full pipe: the write goes on once the
 # reader reads, and every line arrives. The pipe holds one page, so that the
 # blocked write has written nothing yet and the signal fails it with EINTR.
