@@ -287,6 +287,9 @@ TEST_F(DsdWritingTest, EachWayAWriteCanGoWrongIsSaidInItsOwnWords)
          "\nRead 4 bytes from dev data memory\n\nREAD ERROR: NVM read timed out\n" + std::string(kWarning) +
              "the verification read failed.\n",
          -1},
+        {"verification read fails, no restore asked", TestWriteDSDBytes, "100\n4\n1\n0\n3\n77\n1\n",
+         [] { control::FailCall("Q7_ReadDSDBytes", 1, "NVM read timed out"); },
+         "\nRead 4 bytes from dev data memory\n\nREAD ERROR: NVM read timed out\n", -1},
         {"a short verification read reads as 0", TestWriteDSDRegionByID, "7\n1\n0\n1\n0\n",
          [] { control::ShortRead("Q7_ReadDSDRegionByID", 4, 0); },
          "\n\n0 verify errors.\n\n    Restore contents (1=yes/0=no) ? \nWriteDSDRegionByID was SUCCESSFUL.\n", 0},
