@@ -186,7 +186,10 @@ TEST_F(AutomatedTestTest, ABandThatCannotBeReadAtTheStartIsNotWrittenBack)
 {
     FailNext("Q7_GetBandConfig", 1, "Device fault");
     FailNext("Q7_GetRxGainState", 1, "Device fault");
+    FailNext("Q7_ReadGPIOState", 1, "Device fault");
     std::string output = Run();
+    EXPECT_TRUE(Contains(output, "ERROR: Device fault\nGPIO pin state        = 00000000\n"
+                                 "GPIO direction        = 00000000\nGPIO write permission = 00000000\n"));
     EXPECT_TRUE(Contains(output, "ERROR: Device fault\nRead:  Freq =       0 - BW =     0\n"));
     EXPECT_TRUE(Contains(output, "ERROR: Device fault\nRead  path 0: Ext LNA=0 - LNA=0 - PGA= 0 - Total=0\n"
                                  "Wrote path 0: Ext LNA=1 - LNA=1 - PGA= 5\n"));

@@ -77,8 +77,12 @@ page.feed(open(dom_file).read())
 assert page.verdict == "FAIL", page.verdict
 assert len(page.graphs) == arrays, (len(page.graphs), arrays)
 assert all(canvases > 0 for canvases in page.graphs), page.graphs
-# Each unit's identity: who, where, when, how long, from what.
 dom = open(dom_file).read()
+# A list with limits is drawn with them: each row its index, value, low and high.
+plots = json.loads(dom[dom.index("const plots = ") + 14:].split(";\n", 1)[0]) if "const plots = " in dom else []
+limited = [plot for plot in plots if plot["labels"][2:] == ["low limit", "high limit"]]
+assert limited and all(len(row) == 4 for plot in limited for row in plot["rows"]), [p["labels"] for p in plots]
+# Each unit's identity: who, where, when, how long, from what.
 for label in ("Station", "Operator", "Host", "Started (UTC)", "Duration", "Transcript", "MAC address"):
     assert dom.count("<th>%s</th>" % label) == len(units), label
 print("junit, json and page: %d suites, %d units, %d plots drawn" % (len(suites), len(units), len(page.graphs)))
