@@ -58,6 +58,10 @@ PY
   "$report" --history --db="$1" --since=2026-11-21 --json="$scratch/since.json" >/dev/null
   /usr/bin/python3 -c 'import json,sys; t=json.load(open(sys.argv[1]))["total"]; assert (t["units"], t["runs"]) == (4, 4), t' \
     "$scratch/since.json" || fail "$1: --since"
+  # A span given to the second, ending with a whole day.
+  "$report" --history --db="$1" --since=2026-11-20T10:15:00 --until=2026-11-21 --json="$scratch/span.json" >/dev/null
+  /usr/bin/python3 -c 'import json,sys; t=json.load(open(sys.argv[1]))["total"]; assert (t["units"], t["runs"]) == (4, 5), t' \
+    "$scratch/span.json" || fail "$1: --since with a time, --until with a day"
   "$report" --history --db="$1" --unit=SN2 >"$scratch/unit.txt"
   [ "$(grep -c 'PASS\|FAIL' "$scratch/unit.txt")" = 2 ] && grep -q 'FAIL    4 (first: ' "$scratch/unit.txt" ||
     fail "$1: --unit=SN2: $(cat "$scratch/unit.txt")"
