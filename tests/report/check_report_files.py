@@ -82,6 +82,11 @@ dom = open(dom_file).read()
 plots = json.loads(dom[dom.index("const plots = ") + 14:].split(";\n", 1)[0]) if "const plots = " in dom else []
 limited = [plot for plot in plots if plot["labels"][2:] == ["low limit", "high limit"]]
 assert limited and all(len(row) == 4 for plot in limited for row in plot["rows"]), [p["labels"] for p in plots]
+# Each plot draws its list's values, against their index, in the record's order.
+drawn = [(p["unit"], p["title"], [row[1] for row in p["rows"]], [row[0] for row in p["rows"]]) for p in plots]
+listed = [(u, m["name"], m["values"], list(range(len(m["values"]))))
+          for u, unit in enumerate(units) for m in unit["measurements"] if "values" in m]
+assert drawn == listed, "the plots do not draw the record's lists"
 # Each unit's identity: who, where, when, how long, from what.
 for label in ("Station", "Operator", "Host", "Started (UTC)", "Duration", "Transcript", "MAC address"):
     assert dom.count("<th>%s</th>" % label) == len(units), label
