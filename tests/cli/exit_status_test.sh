@@ -31,9 +31,9 @@ for _ in $(seq 1000); do printf '1\n-1\n'; done >"$work/menus"
 expect_status "a pipe closed by its reader" 4 "${PIPESTATUS[0]}"
 
 # Types ANSWERS, waits until the output ends with WAIT_FOR (the prompt being
-# asked) and sends SIGTERM; sets signal_status.
+# asked) and sends SIGNAL (TERM when not given); sets signal_status.
 signal_session() {
-  local answers=$1 wait_for=$2
+  local answers=$1 wait_for=$2 signal=${3:-TERM}
   rm -f "$work/fifo" "$work/out"
   mkfifo "$work/fifo"
   "$program" <"$work/fifo" >"$work/out" &
@@ -44,7 +44,7 @@ signal_session() {
     [ "$(tail -c ${#wait_for} "$work/out" 2>/dev/null)" = "$wait_for" ] && break
     sleep 0.05
   done
-  kill -TERM $pid
+  kill -"$signal" $pid
   wait $pid
   signal_status=$?
   exec 3>&-
@@ -60,12 +60,13 @@ expect_status "SIGTERM at a prompt of Set device mode" 143 $signal_status
 tail -c 100 "$work/out" | grep -q 'Interrupted by SIGTERM: command abandoned.' ||
   fail "SIGTERM inside a command: no abandon line: $(tail -c 200 "$work/out")"
 
-# SIGTERM at the region write's verify question: the data stays written and
+# SIGHUP at the region write's verify question: the data stays written and
 # the WARNING says why.
-signal_session '7\n9\n5\n1\n10\n' "    Verify write     (1=yes/0=no) ? "
-expect_status "SIGTERM after a region write" 143 $signal_status
-grep -q '^WARNING: Original data not restored, because the session was interrupted\.$' "$work/out" ||
-  fail "SIGTERM after a region write: no WARNING with its reason: $(tail -c 300 "$work/out")"
+signal_session '7\n9\n5\n1\n10\n' "    Verify write     (1=yes/0=no) ? " HUP
+expect_status "SIGHUP after a region write" 129 $signal_status
+grep -q '^Interrupted by SIGHUP: command abandoned\.$' "$work/out" &&
+  grep -q '^WARNING: Original data not restored, because the session was interrupted\.$' "$work/out" ||
+  fail "SIGHUP after a region write: no abandon line or no WARNING with its reason: $(tail -c 300 "$work/out")"
 
 # SIGINT while a write is blocked on a full pipe: the write goes on once the
 # reader reads, and every line arrives. The pipe holds one page, so that the
