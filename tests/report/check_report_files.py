@@ -4,6 +4,7 @@ Debian's junitparser, the JSON records, and the page's DOM as Chromium left
 it after running its scripts.
 Usage: check_report_files.py UNITS.xml UNITS.json DOM.html"""
 import json
+import socket
 import sys
 from html.parser import HTMLParser
 
@@ -35,6 +36,7 @@ assert [unit["verdict"] for unit in units] == ["PASS", "FAIL"]
 for unit in units:
     assert unit["unit"]["identity"]["mac_address"] == "02:1A:C7:30:5E:81" and unit["unit"]["simulated"] is True
     assert unit["context"]["station"] == "ST7" and unit["context"]["operator"] == "Ada L"
+    assert unit["context"]["hostname"] == socket.gethostname() == healthy.hostname, unit["context"]
 arrays = sum(1 for unit in units for m in unit["measurements"] if "values" in m)
 
 
