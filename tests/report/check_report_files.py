@@ -89,6 +89,7 @@ drawn = [(p["unit"], p["title"], [row[1] for row in p["rows"]], [row[0] for row 
 listed = [(u, m["name"], m["values"], list(range(len(m["values"]))))
           for u, unit in enumerate(units) for m in unit["measurements"] if "values" in m]
 assert drawn == listed, "the plots do not draw the record's lists"
+assert dom.count(" checks, 0 failed; ") == 1 and dom.count(" checks, 4 failed; ") == 1, "the checks are miscounted"
 # Each unit's identity: who, where, when, how long, from what.
 for label in ("Station", "Operator", "Host", "Started (UTC)", "Duration", "Transcript", "MAC address"):
     assert dom.count("<th>%s</th>" % label) == len(units), label

@@ -63,6 +63,7 @@ expect 2 "Try 'q7cal-report --help'" --json
 expect 2 "ambiguous" --j="$scratch/x"
 expect 2 "names one unit" --unit=SN1 "$golden/healthy_run.in" "$golden/stuck_led.in"
 expect 2 "cannot read $scratch/none.log: No such file" "$scratch/none.log"
+expect 2 "belong to --history" --until=2026-11-01
 expect 2 "cannot write $scratch/none/unit.json" --json="$scratch/none/unit.json"
 echo '{"limits": {"Temperature": {"low": 50, "high": 60}}}' >"$scratch/bad-limits.json"
 expect 2 "is not a limits table" --limits "$scratch/bad-limits.json"

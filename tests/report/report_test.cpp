@@ -174,6 +174,7 @@ TEST(ReportTest, ResultLinesGiveTheirValuesUnitsAndNamesAndNothingElse)
         {"    Offset = 0x10", ResultLine::kNone, "", {}, "", ""},
         {"    Center frequency (kHz)  ? ", ResultLine::kNone, "", {}, "", ""},
         {"Read back [2] = 17 - Expected [2] = 18 - Verify ERROR", ResultLine::kNone, "", {}, "", ""},
+        {"Step[a] = 3", ResultLine::kNone, "", {}, "", ""},
     };
     for (const Case &one : cases) {
         ResultLine parsed = q7report::ParseResultLine(one.line);
