@@ -139,6 +139,8 @@ chromium --headless --no-sandbox --disable-gpu --disable-quic --no-first-run --d
   --disable-component-update --disable-sync --user-data-dir="$scratch/browser" \
   --dump-dom "file://$scratch/history.html" >"$scratch/dom.html" 2>/dev/null
 [ "$(grep -o '<canvas' "$scratch/dom.html" | wc -l)" -ge 2 ] || fail "the history's page draws no plots"
+grep -qF '<tr><td class="number">1</td><td class="number">2</td><td>automated.Other commands: GetTemperature: Temperature</td></tr>' \
+  "$scratch/history.html" || fail "the history's page does not rank the temperature first"
 
 # The same units on a PostgreSQL server.
 uri=$("$postgres" start "$scratch/pg")
