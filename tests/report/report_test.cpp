@@ -344,6 +344,19 @@ TEST(ReportTest, TheJsonRecordNamesTheUnitItsChecksAndItsMeasurements)
     EXPECT_TRUE(hot);
 }
 
+// A transcript kept on a host that ends its lines with CR LF reads as the same lines.
+TEST(ReportTest, ATranscriptSavedWithCrLfIsJudgedLineForLine)
+{
+    const std::string healthy = Golden("healthy_run");
+    std::string saved;
+    for (char c : healthy)
+        saved += c == '\n' ? std::string("\r\n") : std::string(1, c);
+    const UnitRecord plain = Judge(healthy), crlf = Judge(saved);
+    EXPECT_TRUE(crlf.Passed());
+    EXPECT_EQ(crlf.checks.size(), plain.checks.size());
+    EXPECT_EQ(crlf.measurements.size(), plain.measurements.size());
+}
+
 TEST(ReportTest, MarkupAndOddBytesInAnErrorTextReachEveryFileIntact)
 {
     UnitRecord judged = Judge(std::string(kSessionStart) +
