@@ -77,6 +77,7 @@ class Page(HTMLParser):
 page = Page()
 page.feed(open(dom_file).read())
 assert page.verdict == "FAIL", page.verdict
+assert "2 units judged by q7cal-report " in open(dom_file).read()
 assert len(page.graphs) == arrays, (len(page.graphs), arrays)
 assert all(canvases > 0 for canvases in page.graphs), page.graphs
 dom = open(dom_file).read()

@@ -62,6 +62,9 @@ PY
   "$report" --history --db="$1" --since=2026-11-20T10:15:00 --until=2026-11-21 --json="$scratch/span.json" >/dev/null
   /usr/bin/python3 -c 'import json,sys; t=json.load(open(sys.argv[1]))["total"]; assert (t["units"], t["runs"]) == (4, 5), t' \
     "$scratch/span.json" || fail "$1: --since with a time, --until with a day"
+  "$report" --history --db="$1" --since=2026-11-21T09:25:00 --json="$scratch/one.json" >/dev/null
+  /usr/bin/python3 -c 'import json,sys; t=json.load(open(sys.argv[1]))["total"]; assert (t["units"], t["first_pass_yield"]) == (1, 0.0), t' \
+    "$scratch/one.json" || fail "$1: a span of one failed unit"
   "$report" --history --db="$1" --unit=SN2 >"$scratch/unit.txt"
   [ "$(grep -c 'PASS\|FAIL' "$scratch/unit.txt")" = 2 ] && grep -q 'FAIL    4 (first: ' "$scratch/unit.txt" ||
     fail "$1: --unit=SN2: $(cat "$scratch/unit.txt")"
