@@ -4,6 +4,7 @@ Debian's junitparser, the JSON records, and the page's DOM as Chromium left
 it after running its scripts.
 Usage: check_report_files.py UNITS.xml UNITS.json DOM.html"""
 import json
+import re
 import socket
 import sys
 from html.parser import HTMLParser
@@ -91,6 +92,10 @@ listed = [(u, m["name"], m["values"], list(range(len(m["values"]))))
           for u, unit in enumerate(units) for m in unit["measurements"] if "values" in m]
 assert drawn == listed, "the plots do not draw the record's lists"
 assert dom.count(" checks, 0 failed; ") == 1 and dom.count(" checks, 4 failed; ") == 1, "the checks are miscounted"
+# Each unit's plots stand in its own section.
+for unit, section in enumerate(dom.split('<section class="unit"')[1:]):
+    drawn_here = re.findall(r'id="plot-(\d+)-', section)
+    assert drawn_here and set(drawn_here) == {str(unit)}, (unit, drawn_here)
 # Each unit's identity: who, where, when, how long, from what.
 for label in ("Station", "Operator", "Host", "Started (UTC)", "Duration", "Transcript", "MAC address"):
     assert dom.count("<th>%s</th>" % label) == len(units), label
