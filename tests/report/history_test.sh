@@ -43,6 +43,7 @@ check_figures() {  # DATABASE
   /usr/bin/python3 - "$scratch/history.json" <<'PY' || fail "$1: the figures are wrong: $(cat "$scratch/history.txt")"
 import json, sys
 h = json.load(open(sys.argv[1]))
+assert h["history_schema_version"] == 1, h["history_schema_version"]
 assert h["total"] == {"units": 5, "runs": 7, "first_passed": 2, "finally_passed": 3,
                       "first_pass_yield": 0.4, "final_yield": 0.6}, h["total"]
 top = h["failures"][0]

@@ -63,6 +63,7 @@ expect 2 "Try 'q7cal-report --help'" --json
 expect 2 "ambiguous" --j="$scratch/x"
 expect 2 "names one unit" --unit=SN1 "$golden/healthy_run.in" "$golden/stuck_led.in"
 expect 2 "cannot read $scratch/none.log: No such file" "$scratch/none.log"
+[ "$(cat "$scratch/out" "$scratch/err" | wc -l)" -eq 1 ] || fail "a missing transcript is said more than once: $(cat "$scratch/out" "$scratch/err")"
 expect 2 "belong to --history" --until=2026-11-01
 expect 2 "cannot write $scratch/none/unit.json" --json="$scratch/none/unit.json"
 echo '{"limits": {"Temperature": {"low": 50, "high": 60}}}' >"$scratch/bad-limits.json"
