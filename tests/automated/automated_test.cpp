@@ -353,6 +353,26 @@ TEST_F(AutomatedTestTest, ASignalMidRunPutsBackWhatTheGroupChangedAndJudgesNothi
         q7sim::control::Reset();
         SetUp();
     }
+
+    // A restore whose read-back fails says so with the zeros it was left.
+    for (const char *operation : {"Q7_SetBandConfig", "Q7_WriteRFICRegister"}) {
+        CatchStopSignalsInTest();
+        q7sim::control::OnEveryCall([operation, seen = 0u](const std::string &called) mutable {
+            if (called == operation && ++seen == 2) {
+                raise(SIGTERM);
+                FailNext("Q7_GetBandConfig", 1000, "Device fault");
+                FailNext("Q7_ReadRFICRegister", 1000, "Device fault");
+            }
+        });
+        HandlerRun run = RunHandler(AutomatedTest, hCal, kRunAnswers);
+        ReleaseStopSignals();
+        EXPECT_TRUE(Contains(run.output, std::string(operation) == "Q7_SetBandConfig"
+                                             ? "WARNING: The band configuration is not restored: Freq = 0 - BW = 0\n"
+                                             : "WARNING: Reg 30 is not restored: it reads 0000\n"))
+            << run.output;
+        q7sim::control::Reset();
+        SetUp();
+    }
 }
 
 // The final pop is confirmed by reading the mode back.

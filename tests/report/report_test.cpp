@@ -102,6 +102,9 @@ TEST(ReportTest, ACommandPassesOnlyWithItsGoodEndingAndNothingAmiss)
         EXPECT_EQ(command.classname, "commands.DSD Read/Write Commands");
         EXPECT_EQ(judged.checks[1].name, "answers in step");
     }
+    // A command without a heading is named by its first line, up to 60 characters.
+    std::string first = "Value = " + std::string(52, '7');
+    EXPECT_EQ(Judge(kSessionStart + first + "89\n" + kNextMenu).checks[0].name, first);
 }
 
 TEST(ReportTest, TheRunEndsJudgedByItsFinalPopAndTheLineAfterIt)
@@ -162,6 +165,8 @@ TEST(ReportTest, ResultLinesGiveTheirValuesUnitsAndNamesAndNothingElse)
         {"  16:   12.3    9.8", ResultLine::kSpectrumRow, "Rx spectrum", {12.3, 9.8}, "dB", "Rx spectrum"},
         {"Setting poer to +10 dBm ...Read  10 dBm  PASS", ResultLine::kValue, "Tx output power read back at +10 dBm",
          {10}, "dBm", "Tx output power"},
+        {"Setting power to -10 dBm ...Read -10 dBm", ResultLine::kValue, "Tx output power read back at -10 dBm",
+         {-10}, "dBm", "Tx output power"},  // cut before its verdict
         {"Testing Get GP ADC Value  00 101 200 1E", ResultLine::kValue, "GP ADC value", {0, 257, 512, 30}, "",
          "GP ADC value"},
         {"    Temperature = nan C", ResultLine::kValue, "Temperature", {NAN}, "C", "Temperature"},

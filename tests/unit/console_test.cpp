@@ -31,6 +31,8 @@ TEST(ReadChoice, TakesTheNumberAtTheStartOfEachWordAndSkipsEmptyLines)
     EXPECT_EQ(Choices("\n\n\n  4\n", 1), (std::vector<int>{4}));
     // Over-long and out-of-range words are one invalid choice each.
     EXPECT_EQ(Choices(std::string(60, '1') + " 5\n99999999999\n", 3), (std::vector<int>{0, 5, 0}));
+    // A word is read to 49 characters: a 50th digit is never seen.
+    EXPECT_EQ(Choices(std::string(48, '0') + "7 " + std::string(49, '0') + "7\n", 2), (std::vector<int>{7, 0}));
     // A word with a NUL byte in it is no number at all.
     EXPECT_EQ(Choices(std::string("1\0\0\08 5\n", 8), 2), (std::vector<int>{0, 5}));
 }
