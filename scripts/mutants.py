@@ -17,7 +17,8 @@ that build have been tested: each is planted in a copy of the tree, built
 with the sanitized test configuration, run through CTest, and reverted.
 
 A mutant with no observable difference is equivalent: it is listed, with the
-reason, in scripts/equivalent-mutants.txt, and the report marks it rather
+reason, in scripts/equivalent-mutants.txt (by file, operator and the line
+before and after; "| in NAME" after them limits it to one function), and the report marks it rather
 than counting it as missed. The score is killed / (tested - equivalent).
 Writes build-mutants/kills-SEED.tsv (each mutant, its line and the tests that
 failed for it) and prints the score and the survivors; --score prints them
@@ -144,6 +145,25 @@ def key(mutant):
     return "%s | %s | %s | %s" % (path, operator, old.strip(), new.strip())
 
 
+def enclosing_function(path, number):
+    """The name of the function whose body holds line `number` of `path`: the
+    nearest definition above it (a line at column 0, or 4 for a class's own,
+    naming a function, without a semicolon)."""
+    lines = open(os.path.join(ROOT, path), encoding="utf-8").read().split("\n")
+    for line in reversed(lines[:number - 1]):
+        match = re.match(r"(?:    )?[A-Za-z_][^;(=]*?\b(\w+)\(", line)
+        if match and not line.rstrip().endswith(";"):
+            return match.group(1)
+    return ""
+
+
+def equivalence(known, mutant_key, number):
+    """Why the mutant is equivalent, or None: listed by its key alone (the same
+    change anywhere in the file), or by its key and function ("KEY | in NAME")."""
+    path = mutant_key.split(" | ")[0]
+    return known.get(mutant_key, known.get("%s | in %s" % (mutant_key, enclosing_function(path, int(number)))))
+
+
 def equivalents():
     known = {}
     if os.path.exists(EQUIVALENT_LIST):
@@ -258,7 +278,7 @@ def main():
 
     def show(tested, kills, mutant, started):
         path, number, operator, _, new = mutant
-        verdict = "killed" if kills else "equivalent" if key(mutant) in known else "SURVIVED"
+        verdict = "killed" if kills else "equivalent" if equivalence(known, key(mutant), mutant[1]) else "SURVIVED"
         print("%3d  %-10s %4.0fs  %s:%d  %-8s %s" % (tested, verdict, time.time() - started, path, number, operator,
                                                   new.strip()), flush=True)
 
@@ -299,13 +319,13 @@ def score(seed, table_path, known):
     stands now: a mutant marked after the run counts as marked."""
     rows = [line.rstrip("\n").split("\t") for line in open(table_path, encoding="utf-8")]
     killed = [row for row in rows if row[2]]
-    equivalent = [row for row in rows if not row[2] and row[0] in known]
-    survived = [row for row in rows if not row[2] and row[0] not in known]
+    equivalent = [row for row in rows if not row[2] and equivalence(known, row[0], row[1])]
+    survived = [row for row in rows if not row[2] and not equivalence(known, row[0], row[1])]
     scored = len(rows) - len(equivalent)
     print("\nseed %d: %d mutants, %d equivalent, %d killed of %d: %.1f %%"
           % (seed, len(rows), len(equivalent), len(killed), scored, 100.0 * len(killed) / max(scored, 1)))
     for row in equivalent:
-        print("  equivalent  line %s: %s\n              (%s)" % (row[1], row[0], known[row[0]]))
+        print("  equivalent  line %s: %s\n              (%s)" % (row[1], row[0], equivalence(known, row[0], row[1])))
     for row in survived:
         print("  SURVIVED    line %s: %s" % (row[1], row[0]))
     print("the tests that killed each: %s" % os.path.relpath(table_path, ROOT))
