@@ -33,7 +33,8 @@ std::string TestNameOf(const CommandRow &row)
 CalInterfaceHandle FreshConnectedDevice()
 {
     q7sim::control::Reset();
-    CalInterfaceHandle hCal = Q7_GetCalInterface(Q7_INTERFACE_LOCAL, nullptr, nullptr);
+    char buffer[128];
+    CalInterfaceHandle hCal = Q7_GetCalInterface(Q7_INTERFACE_LOCAL, buffer, nullptr);
     if (hCal == nullptr || Q7_ConnectDevice(hCal) != nullptr)
         std::abort();
     q7sim::control::RecordCalls();

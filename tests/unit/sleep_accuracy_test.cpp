@@ -1,5 +1,7 @@
 #include <gtest/gtest.h>
 
+#include <signal.h>
+
 #include <string>
 #include <vector>
 
@@ -81,6 +83,25 @@ TEST_F(SleepAccuracyTestTest, ReportsTheResolutionAndFiveDurationsEach200Sleeps)
     for (uint32_t nominal : {0u, 5u, 10u, 15u, 20u})
         expected.insert(expected.end(), 200, nominal);
     EXPECT_EQ(g_sleeps, expected);
+}
+
+// A signal in the sleeps: the figure of the cut duration is the last, and the
+// command says it was abandoned.
+TEST_F(SleepAccuracyTestTest, ASignalEndsItAfterTheDurationItCutShort)
+{
+    gs_pfnSleepMs = [](uint32_t u32Milliseconds) {
+        static bool s_bRaised = false;
+        if (u32Milliseconds == 5 && !s_bRaised) {
+            s_bRaised = true;
+            raise(SIGTERM);
+        }
+    };
+    CatchStopSignalsInTest();
+    HandlerRun run = RunHandler(SleepAccuracyTest, AnyHandle());
+    ReleaseStopSignals();
+    EXPECT_EQ(run.result, -1);
+    EXPECT_TRUE(EndsWith(run.output, "Nominal =  5.00 ms - Excess = -5.00 ms\n\nInterrupted by SIGTERM: command abandoned.\n"))
+        << run.output;
 }
 
 }  // namespace
