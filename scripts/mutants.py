@@ -221,7 +221,8 @@ def main():
     parser.add_argument("--all-killers", action="store_true",
                         help="run every test on every mutant: the whole kill table, for cutting tests")
     parser.add_argument("--retest", action="store_true",
-                        help="test the survivors of the finished run of SEED again, with the suite as it stands")
+                        help="test the survivors of the finished run of SEED that are not marked equivalent again, "
+                             "with the suite as it stands")
     args = parser.parse_args()
 
     candidates = all_sites()
@@ -287,7 +288,7 @@ def main():
         by_key = {(key(mutant), str(mutant[1])): mutant for mutant in candidates}
         rows = [line.rstrip("\n").split("\t") for line in open(table_path, encoding="utf-8")]
         for number, row in enumerate(rows, 1):
-            if not row[2]:
+            if not row[2] and not equivalence(known, row[0], row[1]):
                 started = time.time()
                 row[2] = " ".join(kills_of(by_key[(row[0], row[1])]) or [])
                 show(number, row[2], by_key[(row[0], row[1])], started)
