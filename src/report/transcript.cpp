@@ -213,7 +213,10 @@ public:
         }
         if (commandOpen_ || menu_.empty()) {
             commandLines_.push_back({text, lineNumber_, at_});
-            if (commandOpen_ && command_.empty() && IsHeading(text))
+            // The NVM mode test has no heading: its question opens it.
+            if (commandOpen_ && command_.empty() && StartsWith(text, TEXT_NVM_MODE_QUESTION))
+                command_ = kNvmModeTest;
+            else if (commandOpen_ && command_.empty() && IsHeading(text))
                 command_ = HeadingName(text);
             if (commandOpen_)
                 ReadValues(text, "commands." + menu_, command_.empty() ? menu_ : command_);

@@ -17,6 +17,7 @@
 //                       (CAL block), then the automated run
 //   hot_unit.in         the die temperature forced to 133 C when it is read
 //   out_of_step.in      the automated run's answers with a stray "5" after them
+//   nvm_mode_test.in    the NVM mode test, the one command without a heading
 #include <gtest/gtest.h>
 #include <tinyxml2.h>
 
