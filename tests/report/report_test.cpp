@@ -181,6 +181,7 @@ TEST(ReportTest, ResultLinesGiveTheirValuesUnitsAndNamesAndNothingElse)
         {"    Center frequency (kHz)  ? ", ResultLine::kNone, "", {}, "", ""},
         {"Read back [2] = 17 - Expected [2] = 18 - Verify ERROR", ResultLine::kNone, "", {}, "", ""},
         {"Step[a] = 3", ResultLine::kNone, "", {}, "", ""},
+        {"*Total = 5 dB", ResultLine::kNone, "", {}, "", ""},  // a label starts with a letter, digit or '#'
     };
     for (const Case &one : cases) {
         ResultLine parsed = q7report::ParseResultLine(one.line);
