@@ -123,6 +123,9 @@ expect_refused "another program's database" "holds other tables" "$scratch/other
 cp "$db" "$scratch/newer.db"
 /usr/bin/python3 -c 'import sqlite3,sys; c=sqlite3.connect(sys.argv[1]); c.execute("UPDATE q7cal_history SET schema_version = 99"); c.commit()' "$scratch/newer.db"
 expect_refused "a newer schema" "schema version 99 is newer" "$scratch/newer.db"
+/usr/bin/python3 -c 'import sqlite3,sys; sqlite3.connect(sys.argv[1]).execute("CREATE TABLE q7cal_history (id INTEGER)")' \
+  "$scratch/unversioned.db"
+expect_refused "a history table without its version" "schema_version" "$scratch/unversioned.db"
 /usr/bin/python3 - "$db" <<'PY' &
 import sqlite3, sys, time
 db = sqlite3.connect(sys.argv[1], isolation_level=None)

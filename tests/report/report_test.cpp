@@ -103,6 +103,10 @@ TEST(ReportTest, ACommandPassesOnlyWithItsGoodEndingAndNothingAmiss)
         EXPECT_EQ(command.classname, "commands.DSD Read/Write Commands");
         EXPECT_EQ(judged.checks[1].name, "answers in step");
     }
+    // A terminal's echo shows typed answers, a negative one too: no script to keep in step.
+    UnitRecord typed = Judge(kSessionStart + std::string("ConnectDevice:\n     Device connected.\n") + kNextMenu +
+                             "\nENTER OPTION : -1\n");
+    EXPECT_EQ(Find(typed, "answers in step"), nullptr);
     // A command without a heading is named by its first line, up to 60 characters.
     std::string first = "Value = " + std::string(52, '7');
     EXPECT_EQ(Judge(kSessionStart + first + "89\n" + kNextMenu).checks[0].name, first);
