@@ -2,6 +2,7 @@
 
 #include <ctype.h>
 #include <errno.h>
+#include <fcntl.h>
 #include <limits.h>
 #include <math.h>
 #include <poll.h>
@@ -136,8 +137,11 @@ bool FinishOutput(void)
 
 /* ---- Stop signals ------------------------------------------------------- */
 
+static void EndPipedInput(void);
+
 static void OnStopSignal(int iSignal)
 {
+    const int iSavedErrno = errno;
     if (iSignal == SIGINT) {
         /* A second Ctrl-C is the engineer insisting: end at once, by the signal. */
         if (gs_iInterrupted) {
@@ -148,15 +152,21 @@ static void OnStopSignal(int iSignal)
         gs_iInterrupted = 1;
         if (gs_iStopSignal == 0)
             gs_iStopSignal = SIGINT;
-        return;
-    }
-    /* SIGTERM and SIGHUP end the session whatever came before. */
-    if (gs_iStopSignal == 0 || gs_iStopSignal == SIGINT)
+    } else if (gs_iStopSignal == 0 || gs_iStopSignal == SIGINT) {
+        /* SIGTERM and SIGHUP end the session whatever came before. */
         gs_iStopSignal = iSignal;
+    }
+    EndPipedInput();
+    errno = iSavedErrno;
 }
+
+/* Standard input once the session has ended by a signal: see EndPipedInput. */
+static int gs_iNullInput = -1;
 
 void CatchStopSignals(void)
 {
+    if (gs_iNullInput < 0)
+        gs_iNullInput = open("/dev/null", O_RDONLY | O_CLOEXEC);
     struct sigaction stAction;
     memset(&stAction, 0, sizeof stAction);
     stAction.sa_handler = OnStopSignal;
@@ -195,6 +205,17 @@ static const char *SignalName(int iSignal)
 static bool gs_bSourceKnown = false;
 static bool gs_bTerminal = false;
 static bool gs_bEditing = false;
+/* A signal that comes after the flag was looked at but before a read of a
+ * pipe or file began would leave that read waiting on a writer that may never
+ * write again: piped input is ended at the signal, so the read finds end of
+ * input at once. A terminal's reads wait in ppoll, which lets the signal in
+ * only while it waits, and a terminal must stay ours to put back as it was. */
+static void EndPipedInput(void)
+{
+    if (!gs_bTerminal && gs_iNullInput >= 0)
+        (void)dup2(gs_iNullInput, STDIN_FILENO);
+}
+
 /* The line the editor gave, and how much of it has been read. */
 static const char *gs_sEditedLine = NULL;
 static int gs_iEditedLength = 0;

@@ -99,4 +99,5 @@ for unit, section in enumerate(dom.split('<section class="unit"')[1:]):
 # Each unit's identity: who, where, when, how long, from what.
 for label in ("Station", "Operator", "Host", "Started (UTC)", "Duration", "Transcript", "MAC address"):
     assert dom.count("<th>%s</th>" % label) == len(units), label
+assert dom.count("<th>Unit</th><td>02:1A:C7:30:5E:81</td>") == len(units), "a unit is not named by its MAC address"
 print("junit, json and page: %d suites, %d units, %d plots drawn" % (len(suites), len(units), len(page.graphs)))

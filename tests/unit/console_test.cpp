@@ -1,6 +1,8 @@
 #include <gtest/gtest.h>
 
+#include <poll.h>
 #include <signal.h>
+#include <unistd.h>
 
 #include <cstdio>
 
@@ -158,6 +160,30 @@ TEST(SessionEnd, AStopSignalOrAFailedOutputEndsInputAtTheNextRead)
     });
     EXPECT_FALSE(written);
     EXPECT_EQ(value, 5u);
+}
+
+// A signal that comes just after the session was looked at, before a read of
+// a pipe began: the pipe's writer stays, yet the read finds end of input.
+TEST(SessionEnd, AStopSignalEndsPipedInputSoALateReadDoesNotWait)
+{
+    int pipeEnds[2];
+    ASSERT_EQ(pipe(pipeEnds), 0);
+    int savedInput = dup(STDIN_FILENO);
+    dup2(pipeEnds[0], STDIN_FILENO);
+    close(pipeEnds[0]);
+    CatchStopSignalsInTest();
+    raise(SIGTERM);
+    ReleaseStopSignals();
+    struct pollfd input = {STDIN_FILENO, POLLIN, 0};
+    char c = 0;
+    if (poll(&input, 1, 0) == 1)
+        EXPECT_EQ(read(STDIN_FILENO, &c, 1), 0);
+    else
+        ADD_FAILURE() << "a read would wait for the pipe's writer";
+    dup2(savedInput, STDIN_FILENO);
+    close(savedInput);
+    close(pipeEnds[1]);
+    ResetInputState();
 }
 
 }  // namespace
