@@ -145,11 +145,15 @@ def key(mutant):
     return "%s | %s | %s | %s" % (path, operator, old.strip(), new.strip())
 
 
-def enclosing_function(path, number):
-    """The name of the function whose body holds line `number` of `path`: the
+def enclosing_function(path, number, old):
+    """The name of the function whose body holds the line `old` at `number` of
+    `path` (or, when lines have moved since, the line `old` nearest to it): the
     nearest definition above it (a line at column 0, or 4 for a class's own,
     naming a function, without a semicolon)."""
     lines = open(os.path.join(ROOT, path), encoding="utf-8").read().split("\n")
+    if number > len(lines) or lines[number - 1].strip() != old:
+        moved = [n for n, line in enumerate(lines, 1) if line.strip() == old]
+        number = min(moved, key=lambda n: abs(n - number)) if moved else number
     for line in reversed(lines[:number - 1]):
         match = re.match(r"(?:    )?[A-Za-z_][^;(=]*?\b(\w+)\(", line)
         if match and not line.rstrip().endswith(";"):
@@ -160,8 +164,8 @@ def enclosing_function(path, number):
 def equivalence(known, mutant_key, number):
     """Why the mutant is equivalent, or None: listed by its key alone (the same
     change anywhere in the file), or by its key and function ("KEY | in NAME")."""
-    path = mutant_key.split(" | ")[0]
-    return known.get(mutant_key, known.get("%s | in %s" % (mutant_key, enclosing_function(path, int(number)))))
+    path, _, old = mutant_key.split(" | ")[:3]
+    return known.get(mutant_key, known.get("%s | in %s" % (mutant_key, enclosing_function(path, int(number), old))))
 
 
 def equivalents():
