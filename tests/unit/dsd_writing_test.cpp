@@ -116,6 +116,9 @@ TEST_F(DsdWritingTest, SizesBeyondTheBufferOrTheImageAreRefusedBeforeTheDeviceIs
     EXPECT_TRUE(EndsWith(run.output, "    DSD priority (0-10)        ? "
                                      "\nERROR: Flash offset 0xFF00 + size 257 bytes goes beyond the 65536-byte DSD image\n"))
         << run.output;
+    run = RunHandler(TestWriteFlash2xBytesWithHeader, hCal, "FF00\n256\n1\n4\n3\n");
+    EXPECT_TRUE(EndsWith(run.output, "Auto DSD key (1=yes/0=no) ? \nEnd of input: command abandoned.\n"))
+        << "a block that ends on the image's last byte fits: " << run.output;
     run = RunHandler(TestWriteFlash2xBytesWithHeader, hCal, "FFFFFFFF\n4294967295\n1\n4\n3\n");
     EXPECT_EQ(run.result, -1) << "offset + size is summed without wrapping";
     run = RunHandler(TestWriteDSDBlock, hCal, "0\n1073741824\n");
