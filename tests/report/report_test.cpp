@@ -175,6 +175,7 @@ TEST(ReportTest, ResultLinesGiveTheirValuesUnitsAndNamesAndNothingElse)
         {"Testing Get GP ADC Value  00 101 200 1E", ResultLine::kValue, "GP ADC value", {0, 257, 512, 30}, "",
          "GP ADC value"},
         {"    Temperature = nan C", ResultLine::kValue, "Temperature", {NAN}, "C", "Temperature"},
+        {"    Frame error rate = 0.25 %", ResultLine::kValue, "Frame error rate", {0.25}, "%", "Frame error rate"},
         // Codes, texts, several labels and prompts are no values.
         {"          RF checksum = 632B", ResultLine::kNone, "", {}, "", ""},
         {"    RFIC register data = 00007135", ResultLine::kNone, "", {}, "", ""},
