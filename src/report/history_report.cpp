@@ -307,12 +307,12 @@ new Dygraph(document.getElementById('yield'), data.days.map(d => [new Date(d[0] 
 });
 // The failures as bars, largest first, with their cumulative share as a line.
 function bars(e) {
-  const ctx = e.drawingContext, bottom = e.dygraph.toDomYCoord(0);
+  const pen = e.drawingContext, bottom = e.dygraph.toDomYCoord(0);
   let width = 40;
   for (let i = 1; i < e.points.length; i++) width = Math.min(width, e.points[i].canvasx - e.points[i - 1].canvasx);
   width = Math.floor(width * 2 / 3);
-  ctx.fillStyle = e.color;
-  for (const p of e.points) ctx.fillRect(p.canvasx - width / 2, p.canvasy, width, bottom - p.canvasy);
+  pen.fillStyle = e.color;
+  for (const p of e.points) pen.fillRect(p.canvasx - width / 2, p.canvasy, width, bottom - p.canvasy);
 }
 new Dygraph(document.getElementById('pareto'), data.pareto, {
   labels: ['rank', 'failures', 'cumulative %'], xlabel: 'check (rank)', ylabel: 'failures', y2label: '%',

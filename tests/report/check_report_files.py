@@ -78,10 +78,10 @@ class Page(HTMLParser):
 page = Page()
 page.feed(open(dom_file).read())
 assert page.verdict == "FAIL", page.verdict
-assert "2 units judged by q7cal-report " in open(dom_file).read()
 assert len(page.graphs) == arrays, (len(page.graphs), arrays)
 assert all(canvases > 0 for canvases in page.graphs), page.graphs
 dom = open(dom_file).read()
+assert "2 units judged by q7cal-report " in dom
 # A list with limits is drawn with them: each row its index, value, low and high.
 plots = json.loads(dom[dom.index("const plots = ") + 14:].split(";\n", 1)[0]) if "const plots = " in dom else []
 limited = [plot for plot in plots if plot["labels"][2:] == ["low limit", "high limit"]]
