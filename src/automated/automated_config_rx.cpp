@@ -49,7 +49,7 @@ int AutomatedConfigurationGroupTest(CalInterfaceHandle hCal)
 
     printf("\n");
     PrintTestHeading(TEXT_CONFIGURATION_GROUP);
-    PrintTestHeading("Get/SetDeviceMode");
+    PrintTestHeading(TEXT_DEVICE_MODE_SECTION);
     /* The engineer compares each reported mode with the pushed one. */
     for (uint32_t u32DutMode = 0; u32DutMode <= 5; u32DutMode++) {
         if (SessionEnded())
@@ -162,7 +162,7 @@ int AutomatedRxGroupTest(CalInterfaceHandle hCal)
     if (SessionEnded())
         return 0;
 
-    PrintTestHeading("GetRSSIReport and related commands");
+    PrintTestHeading(TEXT_RSSI_SECTION);
     (void)TestGetRSSIReport(hCal); /* still in Calibration mode */
     PushDeviceMode(hCal, 0, 0, 1000, 0); /* Normal, 4 QAM */
     (void)TestGetCINR(hCal);
@@ -173,7 +173,7 @@ int AutomatedRxGroupTest(CalInterfaceHandle hCal)
     if (SessionEnded())
         return 0;
 
-    PrintTestHeading("GetFrameErrorStatistics and ResetFrameErrorStatistics");
+    PrintTestHeading(TEXT_FRAME_ERROR_SECTION);
     (void)TestGetFrameErrorStatistics(hCal);
     (void)TestResetFrameErrorStatistics(hCal);
     (void)TestGetFrameErrorStatistics(hCal);

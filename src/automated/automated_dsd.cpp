@@ -50,7 +50,7 @@ int AutomatedDSDManagementGroupTest(CalInterfaceHandle hCal)
     (void)TestGetDSDChecksums(hCal);
     (void)TestIsCalibrationValid(hCal);
     (void)TestGetCalibrationInfo(hCal);
-    PrintTestHeading("GetMACAddress");
+    PrintTestHeading(TEXT_MAC_ADDRESS_SECTION);
     (void)TestGetMACAddress(hCal);
     PopDeviceMode(hCal, NULL, NULL, NULL, NULL);
     return 0;
@@ -99,7 +99,7 @@ int AutomatedDSDReadWriteGroupTest(CalInterfaceHandle hCal)
     printf("\n");
     PrintTestHeading(TEXT_DSD_READ_WRITE_GROUP);
     DumpTestBytesOfDsd(hCal);
-    PrintTestHeading("ReadRegionByID");
+    PrintTestHeading(TEXT_REGION_READ_SECTION);
     for (int32_t i32RegionID = FIRST_REGION_ID; i32RegionID <= LAST_REGION_ID; i32RegionID++) {
         if (SessionEnded())
             return 0;

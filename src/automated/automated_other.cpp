@@ -140,7 +140,7 @@ static void RunRficRegisterSection(CalInterfaceHandle hCal)
     uint32_t u32Saved = 0;
     uint32_t u32Read = 0;
 
-    PrintTestHeading("ReadRFICRegister");
+    PrintTestHeading(TEXT_RFIC_READ_SECTION);
     ReportTestError(Q7_ReadRFICRegister(hCal, 0, 0, 1, &u32ChipId));
     printf("RFIC ID = %04X\n", u32ChipId);
 
@@ -168,7 +168,7 @@ static void RunRficRegisterSection(CalInterfaceHandle hCal)
 
 static void RunGpAdcAndDacSection(CalInterfaceHandle hCal)
 {
-    PrintTestHeading("GetGPADCValue and SetGPDACValue");
+    PrintTestHeading(TEXT_GP_ADC_DAC_SECTION);
     printf(TEXT_ADC_LINE);
     for (uint32_t u32Mux = 0; u32Mux <= 3; u32Mux++) {
         uint32_t u32Value = 0; /* zero when the read fails */
@@ -192,7 +192,7 @@ int AutomatedOtherCommandGroupTest(CalInterfaceHandle hCal)
     RunRficRegisterSection(hCal);
     if (SessionEnded())
         return -1;
-    PrintTestHeading("GetTemperature");
+    PrintTestHeading(TEXT_TEMPERATURE_SECTION);
     (void)TestGetTemperature(hCal);
     if (SessionEnded())
         return -1;
@@ -201,14 +201,14 @@ int AutomatedOtherCommandGroupTest(CalInterfaceHandle hCal)
     if (SessionEnded())
         return -1;
 
-    PrintTestHeading("Spectrum commands");
+    PrintTestHeading(TEXT_SPECTRUM_SECTION);
     printf("\nResetRxSpectrum\n");
     printf("Setting shift for IIR filter alpha to 3\n");
     printf("Setting symbol index to be captured to 1");
     if (ReportError(Q7_ResetRxSpectrum(hCal, 3, 1)))
         return -1;
     (void)TestGetRxSpectrum(hCal);
-    PrintTestHeading("Get Version Information Command");
+    PrintTestHeading(TEXT_VERSION_SECTION);
     (void)TestGetVersionInfo(hCal);
     return 0;
 }

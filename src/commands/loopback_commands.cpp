@@ -7,23 +7,24 @@
 #include "command_steps.h"
 #include "commands.h"
 #include "console.h"
+#include "printed_texts.h"
 
 void PrintFEStepTable(const double adPgaGainCorrection[2], const double adLnaMidGainStep[2],
                       const double adLnaHighGainStep[2], const double adLnaExtGainStep[2])
 {
     printf("\n");
     printf("                      %6s %6s\n", "Rx1", "Rx2");
-    printf("PGA gain correction = %6.2f %6.2f dB\n", adPgaGainCorrection[0], adPgaGainCorrection[1]);
-    printf("LNA mid gain step   = %6.2f %6.2f dB\n", adLnaMidGainStep[0], adLnaMidGainStep[1]);
-    printf("LNA high gain step  = %6.2f %6.2f dB\n", adLnaHighGainStep[0], adLnaHighGainStep[1]);
-    printf("LNA ext gain step   = %6.2f %6.2f dB\n", adLnaExtGainStep[0], adLnaExtGainStep[1]);
+    printf(TEXT_PGA_GAIN_CORRECTION " = %6.2f %6.2f dB\n", adPgaGainCorrection[0], adPgaGainCorrection[1]);
+    printf(TEXT_LNA_MID_GAIN_STEP "   = %6.2f %6.2f dB\n", adLnaMidGainStep[0], adLnaMidGainStep[1]);
+    printf(TEXT_LNA_HIGH_GAIN_STEP "  = %6.2f %6.2f dB\n", adLnaHighGainStep[0], adLnaHighGainStep[1]);
+    printf(TEXT_LNA_EXT_GAIN_STEP "   = %6.2f %6.2f dB\n", adLnaExtGainStep[0], adLnaExtGainStep[1]);
 }
 
 void PrintTxExtAttnSteps(const double adSteps[Q7_TX_EXT_ATTN_STEPS])
 {
     printf("\n");
     for (uint32_t i = 0; i < Q7_TX_EXT_ATTN_STEPS; i++)
-        printf("Tx Ext Attn Step[%2d] = %5.2f dB\n", (int)i, adSteps[i]);
+        printf(TEXT_TX_EXT_ATTN_STEP "[%2d] = %5.2f dB\n", (int)i, adSteps[i]);
 }
 
 int TestSetTRSwitch(CalInterfaceHandle hCal)
@@ -52,10 +53,10 @@ int TestCalibrateLCTrim(CalInterfaceHandle hCal)
         return -1;
     /* The count line shows what the device reported; the list never goes
      * beyond the 12 entries of the array. */
-    printf("\n #Frequency=%u", u32Count);
+    printf("\n " TEXT_LC_TRIM_COUNT "=%u", u32Count);
     printf("\n");
     for (uint32_t i = 0; i < u32Count && i < Q7_LC_TRIM_ENTRIES; i++)
-        printf("LCTrimArray[%d] = %d\n", (int)i, LCTrimArray[i]);
+        printf(TEXT_LC_TRIM "[%d] = %d\n", (int)i, LCTrimArray[i]);
     return ReportSuccess("CalibrateLCTrim");
 }
 

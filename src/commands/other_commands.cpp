@@ -101,7 +101,7 @@ int TestGetTemperature(CalInterfaceHandle hCal)
 
     if (!BeginCommand(hCal, "\nGetTemperature:") || ReportError(Q7_GetTemperature(hCal, &dDegreesC)))
         return -1;
-    printf("    Temperature = %.0f C\n", dDegreesC);
+    printf("    " TEXT_TEMPERATURE " = %.0f C\n", dDegreesC);
     return ReportSuccess("GetTemperature");
 }
 

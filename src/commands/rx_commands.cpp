@@ -6,6 +6,7 @@
 #include "command_steps.h"
 #include "commands.h"
 #include "console.h"
+#include "printed_texts.h"
 
 /* A frames-in-error count with every bit set: the device has no count. */
 #define FRAMES_IN_ERROR_UNAVAILABLE 0xFFFFFFFFu
@@ -65,9 +66,9 @@ int TestIsSync(CalInterfaceHandle hCal)
         return -1;
     if (ReportError(Q7_IsSync(hCal, &dFreqOffsetPpm, &u32SyncFreqKHz, &u32SyncStatus)))
         return -1;
-    printf("    Frequency offset (PPM) = %0.3f\n", dFreqOffsetPpm);
+    printf("    " TEXT_FREQUENCY_OFFSET " = %0.3f\n", dFreqOffsetPpm);
     printf("    Sync frequency (kHz)   = %u\n", u32SyncFreqKHz);
-    printf("    Sync status            = %s\n", u32SyncStatus != 0 ? "Sync achieved" : "Sync not achieved");
+    printf("    " TEXT_SYNC_STATUS "            = %s\n", u32SyncStatus != 0 ? TEXT_SYNC_ACHIEVED : TEXT_SYNC_NOT_ACHIEVED);
     return ReportSuccess("IsSync");
 }
 
@@ -157,11 +158,11 @@ int TestGetRSSIReport(CalInterfaceHandle hCal)
     if (ReportError(Q7_GetRSSIReport(hCal, &dRx1RssiDbm, &dRx2RssiDbm, &dCombinedRssiDbm, &dRx1AdcPowerDbm,
                                      &dRx2AdcPowerDbm, &u32Rx1ClipCount, &u32Rx2ClipCount, &u32AdcSamples)))
         return -1;
-    printf("    Rx1 RSSI              = %7.2f dBm\n", dRx1RssiDbm);
-    printf("    Rx2 RSSI              = %7.2f dBm\n", dRx2RssiDbm);
-    printf("    Combined RSSI         = %7.2f dBm\n", dCombinedRssiDbm);
-    printf("    Rx1 ADC input power   = %7.2f dBm\n", dRx1AdcPowerDbm);
-    printf("    Rx2 ADC input power   = %7.2f dBm\n", dRx2AdcPowerDbm);
+    printf("    " TEXT_RX1_RSSI "              = %7.2f dBm\n", dRx1RssiDbm);
+    printf("    " TEXT_RX2_RSSI "              = %7.2f dBm\n", dRx2RssiDbm);
+    printf("    " TEXT_COMBINED_RSSI "         = %7.2f dBm\n", dCombinedRssiDbm);
+    printf("    " TEXT_RX1_ADC_POWER "   = %7.2f dBm\n", dRx1AdcPowerDbm);
+    printf("    " TEXT_RX2_ADC_POWER "   = %7.2f dBm\n", dRx2AdcPowerDbm);
     printf("    Rx1 ADC clip count    = %u (%0.2f %%)\n", u32Rx1ClipCount, ClipPercent(u32Rx1ClipCount, u32AdcSamples));
     printf("    Rx2 ADC clip count    = %u (%0.2f %%)\n", u32Rx2ClipCount, ClipPercent(u32Rx2ClipCount, u32AdcSamples));
     printf("    Number of ADC samples = %u\n", u32AdcSamples);
@@ -178,9 +179,9 @@ int TestGetCINR(CalInterfaceHandle hCal)
         return -1;
     if (ReportError(Q7_GetCINR(hCal, &dCombinedCinrDb, &dAnt1CinrDb, &dAnt2CinrDb)))
         return -1;
-    printf("    Combined CINR  = %0.2f dB\n", dCombinedCinrDb);
-    printf("    Antenna 1 CINR = %0.2f dB\n", dAnt1CinrDb);
-    printf("    Antenna 2 CINR = %0.2f dB\n", dAnt2CinrDb);
+    printf("    " TEXT_COMBINED_CINR "  = %0.2f dB\n", dCombinedCinrDb);
+    printf("    " TEXT_ANTENNA1_CINR " = %0.2f dB\n", dAnt1CinrDb);
+    printf("    " TEXT_ANTENNA2_CINR " = %0.2f dB\n", dAnt2CinrDb);
     return ReportSuccess("GetCINR");
 }
 
@@ -193,8 +194,8 @@ int TestGetPerAntThermalNoise(CalInterfaceHandle hCal)
         return -1;
     if (ReportError(Q7_GetPerAntThermalNoise(hCal, &dAnt1NoiseDbm, &dAnt2NoiseDbm)))
         return -1;
-    printf("    Antenna 1 thermal noise = %0.2f dBm\n", dAnt1NoiseDbm);
-    printf("    Antenna 2 thermal noise = %0.2f dBm\n", dAnt2NoiseDbm);
+    printf("    " TEXT_ANTENNA1_NOISE " = %0.2f dBm\n", dAnt1NoiseDbm);
+    printf("    " TEXT_ANTENNA2_NOISE " = %0.2f dBm\n", dAnt2NoiseDbm);
     return ReportSuccess("GetPerAntThermalNoise");
 }
 

@@ -9,11 +9,7 @@
 #include "console.h"
 #include "printed_texts.h"
 
-/* Block 9's label holds a tab, so its lines align on the terminal's tab stop. */
-const char *const gsDSDBlockName[Q7_DSD_MAX_BLOCKS] = {
-    "Compatibility", "      RF", "     PHY", "     MAC", "     CAL",  "      HW",
-    "     MIB",      "Security", "  OMA DM", " \t  MRU", "     HVX", "unused",
-};
+const char *const gsDSDBlockName[Q7_DSD_MAX_BLOCKS] = {TEXT_DSD_BLOCK_NAMES};
 
 /* The word between "is" and "VALID": empty for a valid checksum. */
 static const char *ValidityWord(uint32_t u32Valid) { return u32Valid != 0 ? "" : "NOT"; }

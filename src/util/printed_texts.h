@@ -42,6 +42,16 @@
 #define TEXT_TX_POWER_SECTION "GetTxOutputPower and SetTxOutputPower"
 #define TEXT_TX_SWITCH_SECTION "GetTxDiversitySwitch and SetTxDiversitySwitch"
 #define TEXT_RFIC_WRITE_SECTION "WriteRFICRegister"
+#define TEXT_DEVICE_MODE_SECTION "Get/SetDeviceMode"
+#define TEXT_RSSI_SECTION "GetRSSIReport and related commands"
+#define TEXT_FRAME_ERROR_SECTION "GetFrameErrorStatistics and ResetFrameErrorStatistics"
+#define TEXT_RFIC_READ_SECTION "ReadRFICRegister"
+#define TEXT_TEMPERATURE_SECTION "GetTemperature"
+#define TEXT_GP_ADC_DAC_SECTION "GetGPADCValue and SetGPDACValue"
+#define TEXT_SPECTRUM_SECTION "Spectrum commands"
+#define TEXT_VERSION_SECTION "Get Version Information Command"
+#define TEXT_MAC_ADDRESS_SECTION "GetMACAddress"
+#define TEXT_REGION_READ_SECTION "ReadRegionByID"
 #define TEXT_ERRORS_EXPECTED "Setting write permissions to 0 -- errors are expected"
 #define TEXT_PIN_WRITE "Setting GPIO "
 #define TEXT_SKIPPED_PIN " -- Skipping input pin "
@@ -57,6 +67,37 @@
 #define TEXT_VALID "VALID"
 #define TEXT_NOT_VALID "NOT VALID"
 #define TEXT_SPECTRUM_LENGTH "Spectrum length"
+#define TEXT_SYNC_STATUS "Sync status"
+#define TEXT_SYNC_ACHIEVED "Sync achieved"
+#define TEXT_SYNC_NOT_ACHIEVED "Sync not achieved"
+/* The DSD blocks by the names their checksum lines print (block 9's holds a
+ * tab, so that its lines align on the terminal's tab stop). */
+#define TEXT_DSD_BLOCK_NAMES \
+    "Compatibility", "      RF", "     PHY", "     MAC", "     CAL", "      HW", \
+    "     MIB", "Security", "  OMA DM", " \t  MRU", "     HVX", "unused"
+
+/* The labels of the values the automated run measures (run_plan.h judges
+ * them): each printed through its macro here, so that a label is named in
+ * one place. */
+#define TEXT_FREQUENCY_OFFSET "Frequency offset (PPM)"
+#define TEXT_RX1_RSSI "Rx1 RSSI"
+#define TEXT_RX2_RSSI "Rx2 RSSI"
+#define TEXT_COMBINED_RSSI "Combined RSSI"
+#define TEXT_RX1_ADC_POWER "Rx1 ADC input power"
+#define TEXT_RX2_ADC_POWER "Rx2 ADC input power"
+#define TEXT_COMBINED_CINR "Combined CINR"
+#define TEXT_ANTENNA1_CINR "Antenna 1 CINR"
+#define TEXT_ANTENNA2_CINR "Antenna 2 CINR"
+#define TEXT_ANTENNA1_NOISE "Antenna 1 thermal noise"
+#define TEXT_ANTENNA2_NOISE "Antenna 2 thermal noise"
+#define TEXT_LC_TRIM_COUNT "#Frequency"
+#define TEXT_LC_TRIM "LCTrimArray"
+#define TEXT_PGA_GAIN_CORRECTION "PGA gain correction"
+#define TEXT_LNA_MID_GAIN_STEP "LNA mid gain step"
+#define TEXT_LNA_HIGH_GAIN_STEP "LNA high gain step"
+#define TEXT_LNA_EXT_GAIN_STEP "LNA ext gain step"
+#define TEXT_TX_EXT_ATTN_STEP "Tx Ext Attn Step"
+#define TEXT_TEMPERATURE "Temperature"
 
 /* The labels of the unit's identity, as the result lines print them. */
 #define TEXT_MAC_ADDRESS "MAC address"
