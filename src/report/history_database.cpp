@@ -158,7 +158,7 @@ bool HistoryDatabase::Append(const UnitRecord &record, const RunContext &context
                          " started, seconds, passed, report_version, identity)"
                          " VALUES ($1, $2, $3, $4, $5, $6, $7, $8, $9, $10, $11, $12, $13) RETURNING id",
                          {UnitName(record, context), Text(context.unit), Text(record.Identity("mac_address")),
-                          Flag(record.Simulated()), Text(context.station), Text(context.operatorName),
+                          Flag(record.Simulated().value_or(false)), Text(context.station), Text(context.operatorName),
                           context.hostname, record.source, IsoTime(record.start) + "Z", Number(record.seconds),
                           Flag(record.Passed()), context.reportVersion, unit["unit"]["identity"].dump()},
                          &ids, error);

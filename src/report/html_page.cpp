@@ -4,6 +4,7 @@
 #include <cstdio>
 
 #include "report_writers.h"
+#include "text_safety.h"
 
 namespace q7report {
 namespace {
@@ -15,15 +16,13 @@ std::string Number(double value)
     return text;
 }
 
-const char *ResultClass(bool passed) { return passed ? "pass" : "fail"; }
-const char *ResultWord(bool passed) { return passed ? "PASS" : "FAIL"; }
 
 const char kStyle[] = R"css(
 body { font: 15px/1.4 system-ui, sans-serif; margin: 0; color: #1d2329; background: #f4f6f8; }
 header { padding: 24px 32px; background: #fff; border-bottom: 1px solid #d5dbe1; display: flex; align-items: center; gap: 28px; }
 #verdict { font-size: 56px; font-weight: 800; padding: 4px 28px; border-radius: 10px; color: #fff; letter-spacing: 2px; }
-.pass { color: #17692f; } .fail { color: #b3261e; }
-#verdict.pass { background: #1e8e3e; color: #fff; } #verdict.fail { background: #c5221f; color: #fff; }
+.pass { color: #17692f; } .fail, .error { color: #b3261e; } .marginal { color: #8a5a00; }
+#verdict.pass { background: #1e8e3e; color: #fff; } #verdict.fail, #verdict.error { background: #c5221f; color: #fff; }
 header .about { color: #4a5560; }
 section.unit { margin: 24px 32px; padding: 8px 24px 24px; background: #fff; border: 1px solid #d5dbe1; border-radius: 10px; }
 h1 { font-size: 22px; } h2 { font-size: 17px; margin-top: 28px; border-bottom: 1px solid #e3e7eb; padding-bottom: 4px; }
@@ -45,37 +44,37 @@ summary { cursor: pointer; color: #1a5fb4; margin: 10px 0; }
 // Every list of values a unit printed, as rows for the plotting script: the
 // value against its index (the spectrum against its bins), with the limits
 // as two more lines where it has any.
-nlohmann::ordered_json PlotData(const std::vector<UnitRecord> &records)
+nlohmann::ordered_json PlotData(const UnitRecord &record, size_t unit)
 {
     nlohmann::ordered_json plots = nlohmann::ordered_json::array();
-    for (size_t unit = 0; unit < records.size(); unit++)
-        for (const Measurement &measurement : records[unit].measurements) {
-            if (!measurement.isArray)
-                continue;
-            nlohmann::ordered_json labels = {measurement.quantity == "Rx spectrum" ? "bin" : "index",
-                                             measurement.name};
-            if (measurement.limit) {
-                labels.push_back("low limit");
-                labels.push_back("high limit");
-            }
-            nlohmann::ordered_json rows = nlohmann::ordered_json::array();
-            for (size_t i = 0; i < measurement.values.size(); i++) {
-                nlohmann::ordered_json row = {i, measurement.values[i]};
-                if (measurement.limit) {
-                    row.push_back(measurement.limit->low);
-                    row.push_back(measurement.limit->high);
-                }
-                rows.push_back(row);
-            }
-            plots.push_back({{"id", "plot-" + std::to_string(unit) + "-" + std::to_string(plots.size())},
-                             {"unit", unit},
-                             {"title", measurement.name},
-                             {"ylabel", measurement.unit},
-                             {"labels", labels},
-                             {"rows", rows}});
+    for (const Measurement &measurement : record.measurements) {
+        if (!measurement.isArray)
+            continue;
+        nlohmann::ordered_json labels = {measurement.quantity == "Rx spectrum" ? "bin" : "index", measurement.name};
+        if (measurement.limit) {
+            labels.push_back("low limit");
+            labels.push_back("high limit");
         }
+        nlohmann::ordered_json rows = nlohmann::ordered_json::array();
+        for (size_t i = 0; i < measurement.values.size(); i++) {
+            nlohmann::ordered_json row = {i, measurement.values[i]};
+            if (measurement.limit) {
+                row.push_back(measurement.limit->low);
+                row.push_back(measurement.limit->high);
+            }
+            rows.push_back(row);
+        }
+        plots.push_back({{"id", "plot-" + std::to_string(unit) + "-" + std::to_string(plots.size())},
+                         {"title", measurement.name},
+                         {"ylabel", measurement.unit},
+                         {"labels", labels},
+                         {"rows", rows}});
+    }
     return plots;
 }
+
+const char *ResultWord(const Check &check) { return !check.passed ? "FAIL" : check.marginal ? "MARGINAL" : "PASS"; }
+const char *ResultClass(const Check &check) { return !check.passed ? "fail" : check.marginal ? "marginal" : "pass"; }
 
 void Identity(std::string &page, const UnitRecord &record, const RunContext &context)
 {
@@ -96,18 +95,20 @@ void Identity(std::string &page, const UnitRecord &record, const RunContext &con
     page += "</table>\n";
 }
 
-// A table of checks: the failures each with the transcript lines it was judged on.
+// A table of checks: those that did not fully pass each with the message and
+// the transcript lines it was judged on.
 void CheckTable(std::string &page, const UnitRecord &record, bool failures)
 {
     page += "<table class=\"list checks\">\n<tr><th>Result</th><th>Class</th><th>Check</th><th>Time (s)</th>"
             "<th>Line</th></tr>\n";
     for (const Check &check : record.checks) {
-        if (check.passed == failures)
+        bool notFullPass = !check.passed || check.marginal;
+        if (notFullPass != failures)
             continue;
         page += std::string("<tr class=\"") + (check.passed ? "passed" : "failed") + "\"><td class=\"" +
-                ResultClass(check.passed) + "\">" + ResultWord(check.passed) + "</td><td>" + HtmlEscape(check.classname) +
+                ResultClass(check) + "\">" + ResultWord(check) + "</td><td>" + HtmlEscape(check.classname) +
                 "</td><td>" + HtmlEscape(check.name);
-        if (!check.passed)
+        if (notFullPass)
             page += "<br><strong>" + HtmlEscape(check.message) + "</strong><pre>" + HtmlEscape(check.evidence) + "</pre>";
         char time[32];
         std::snprintf(time, sizeof time, "%.3f", check.seconds);
@@ -117,17 +118,18 @@ void CheckTable(std::string &page, const UnitRecord &record, bool failures)
     page += "</table>\n";
 }
 
-// Failures first and in full; the passed checks folded away below them.
+// Failures and marginal passes first and in full; the passed checks folded away below them.
 void Checks(std::string &page, const UnitRecord &record)
 {
     Totals totals = record.Count();
-    size_t failed = std::count_if(record.checks.begin(), record.checks.end(), [](const Check &c) { return !c.passed; });
-    page += "<h2>Checks</h2>\n<p>" + std::to_string(record.checks.size()) + " checks, " + std::to_string(failed) +
-            " failed; " + std::to_string(totals.expectedErrors) + " expected errors seen.</p>\n";
-    if (failed > 0)
+    page += "<h2>Checks</h2>\n<p class=\"totals\">" + std::to_string(totals.checks) + " checks: " +
+            std::to_string(totals.passed) + " PASS, " + std::to_string(totals.marginal) + " MARGINAL, " +
+            std::to_string(totals.failed) + " FAIL, " + std::to_string(totals.expectedErrors) +
+            " expected errors.</p>\n";
+    if (totals.failed + totals.marginal > 0)
         CheckTable(page, record, true);
-    page += "<details class=\"passed-checks\"><summary>" + std::to_string(record.checks.size() - failed) +
-            " checks passed</summary>\n";
+    page += "<details class=\"passed-checks\"><summary>" +
+            std::to_string(totals.passed + totals.expectedErrors) + " checks passed</summary>\n";
     CheckTable(page, record, false);
     page += "</details>\n";
 }
@@ -139,15 +141,14 @@ void MeasurementRow(std::string &page, const Measurement &measurement)
         auto [low, high] = std::minmax_element(measurement.values.begin(), measurement.values.end());
         value = std::to_string(measurement.values.size()) + " values, " + Number(*low) + " to " + Number(*high);
     }
-    bool judged = measurement.limit.has_value();
-    page += std::string("<tr") + (judged && !measurement.withinLimits ? " class=\"failed\"" : "") + "><td>" +
-            HtmlEscape(measurement.name) + "</td><td class=\"number\">" + value + "</td><td>" + HtmlEscape(measurement.unit) +
-            "</td><td class=\"number\">" + (judged ? Number(measurement.limit->low) : "") +
-            "</td><td class=\"number\">" + (judged ? Number(measurement.limit->high) : "") + "</td><td" +
-            (judged ? std::string(" class=\"") + ResultClass(measurement.withinLimits) + "\">" +
-                          ResultWord(measurement.withinLimits)
-                    : std::string(">")) +
-            "</td></tr>\n";
+    const std::optional<Limit> &limit = measurement.limit;
+    const char *result = !limit ? "" : !measurement.withinLimits ? "FAIL" : measurement.marginal ? "MARGINAL" : "PASS";
+    const char *resultClass = !limit ? "" : !measurement.withinLimits ? "fail" : measurement.marginal ? "marginal" : "pass";
+    page += std::string("<tr") + (limit && !measurement.withinLimits ? " class=\"failed\"" : "") + "><td>" +
+            HtmlEscape(measurement.name) + "</td><td class=\"number\">" + value + "</td><td>" +
+            HtmlEscape(measurement.unit) + "</td><td class=\"number\">" + (limit ? Number(limit->low) : "") +
+            "</td><td class=\"number\">" + (limit ? Number(limit->high) : "") + "</td><td class=\"" + resultClass +
+            "\">" + result + "</td></tr>\n";
 }
 
 // The values judged by limits in view; every other value folded away.
@@ -170,12 +171,46 @@ void Measurements(std::string &page, const UnitRecord &record)
     page += "</table>\n</details>\n";
 }
 
+const char *VerdictClass(const std::string &word)
+{
+    return word == "PASS" ? "pass" : word == "ERROR" ? "error" : "fail";
+}
+
+// A unit's section of the page, its plots' data beside it.
+std::string UnitSection(const UnitRecord &record, const RunContext &context, size_t unit)
+{
+    const std::string verdict = record.Verdict();
+    std::string page = "<section class=\"unit\" id=\"unit-" + std::to_string(unit) + "\">\n<h1>Unit " +
+                       HtmlEscape(UnitName(record, context)) + " <span class=\"" + VerdictClass(verdict) + "\">" +
+                       verdict + "</span>";
+    std::optional<bool> simulated = record.Simulated();
+    page += !simulated ? " <span class=\"badge\">device not identified</span>"
+            : *simulated ? " <span class=\"badge\">simulated device</span>"
+                         : "";
+    page += "</h1>\n";
+    if (!record.error.empty()) {
+        page += "<p class=\"error\">" + HtmlEscape(record.error) + "</p>\n</section>\n";
+        return page;
+    }
+    Identity(page, record, context);
+    Checks(page, record);
+    nlohmann::ordered_json plots = PlotData(record, unit);
+    page += "<h2>Plots</h2>\n<div class=\"plots\">\n";
+    for (const auto &plot : plots)
+        page += "<figure><figcaption>" + HtmlEscape(plot["title"].get<std::string>()) +
+                "</figcaption><div class=\"graph\" id=\"" + plot["id"].get<std::string>() + "\"></div></figure>\n";
+    page += "</div>\n<script type=\"application/json\" class=\"plot-data\">" + ScriptJson(plots) + "</script>\n";
+    Measurements(page, record);
+    page += "</section>\n";
+    return page;
+}
+
 }  // namespace
 
 std::string HtmlEscape(const std::string &text)
 {
     std::string escaped;
-    for (char c : text) {
+    for (char c : VisibleControls(text)) {
         switch (c) {
         case '&': escaped += "&amp;"; break;
         case '<': escaped += "&lt;"; break;
@@ -189,59 +224,64 @@ std::string HtmlEscape(const std::string &text)
 
 std::string ScriptJson(const nlohmann::ordered_json &value)
 {
-    std::string text = value.dump();
+    std::string text = value.dump(-1, ' ', false, nlohmann::ordered_json::error_handler_t::replace);
     for (size_t at = text.find("</"); at != std::string::npos; at = text.find("</", at + 2))
         text.replace(at, 2, "<\\/");
     return text;
 }
 
-std::string HtmlPage(const std::vector<UnitRecord> &records, const RunContext &context,
-                     const std::string &plotLibrary, const std::string &plotStyle)
+HtmlWriter::HtmlWriter(std::ostream &out, const RunContext &context, const std::string &plotLibrary,
+                       const std::string &plotStyle)
+    : out_(out), context_(context), plotLibrary_(plotLibrary), plotStyle_(plotStyle), sections_(std::tmpfile())
 {
-    bool passed = !records.empty();
-    for (const UnitRecord &record : records)
-        passed = passed && record.Passed();
-    nlohmann::ordered_json plots = PlotData(records);
+}
 
-    std::string page = "<!DOCTYPE html>\n<html lang=\"en\">\n<head>\n<meta charset=\"utf-8\">\n<title>q7cal-report: ";
-    page += std::string(ResultWord(passed)) + "</title>\n<style>\n" + plotStyle + kStyle + "</style>\n<script>\n" +
-            plotLibrary + "\n</script>\n</head>\n<body>\n<header>\n<div id=\"verdict\" class=\"" + ResultClass(passed) +
-            "\">" + ResultWord(passed) + "</div>\n<div class=\"about\">" + std::to_string(records.size()) +
-            (records.size() == 1 ? " unit" : " units") + " judged by q7cal-report " + HtmlEscape(context.reportVersion) +
-            " on " + HtmlEscape(context.hostname) + "</div>\n</header>\n";
-    for (size_t unit = 0; unit < records.size(); unit++) {
-        const UnitRecord &record = records[unit];
-        page += "<section class=\"unit\" id=\"unit-" + std::to_string(unit) + "\">\n<h1>Unit " +
-                HtmlEscape(UnitName(record, context)) + " <span class=\"" + ResultClass(record.Passed()) + "\">" +
-                ResultWord(record.Passed()) + "</span>" +
-                (record.Simulated() ? " <span class=\"badge\">simulated device</span>" : "") + "</h1>\n";
-        Identity(page, record, context);
-        Checks(page, record);
-        page += "<h2>Plots</h2>\n<div class=\"plots\">\n";
-        for (const auto &plot : plots)
-            if (plot["unit"] == unit)
-                page += "<figure><figcaption>" + HtmlEscape(plot["title"].get<std::string>()) +
-                        "</figcaption><div class=\"graph\" id=\"" + plot["id"].get<std::string>() +
-                        "\"></div></figure>\n";
-        page += "</div>\n";
-        Measurements(page, record);
-        page += "</section>\n";
-    }
-    page += "<script>\nconst plots = " + ScriptJson(plots) + R"js(;
-for (const plot of plots) {
-  new Dygraph(document.getElementById(plot.id), plot.rows, {
-    labels: plot.labels, xlabel: plot.labels[0], ylabel: plot.ylabel,
-    drawPoints: plot.rows.length <= 64, strokeWidth: 1.5, legend: 'follow',
-    colors: ['#1a73e8', '#c5221f', '#c5221f'],
-    axes: {x: {axisLabelFormatter: x => Number.isInteger(x) ? String(x) : ''}},
-    series: {'low limit': {strokePattern: [4, 4]}, 'high limit': {strokePattern: [4, 4]}}
-  });
+HtmlWriter::~HtmlWriter()
+{
+    if (sections_ != nullptr)
+        std::fclose(sections_);
+}
+
+bool HtmlWriter::Add(const UnitRecord &record)
+{
+    std::string section = UnitSection(record, context_, units_++);
+    return sections_ != nullptr && std::fwrite(section.data(), 1, section.size(), sections_) == section.size();
+}
+
+bool HtmlWriter::End(const BatchVerdict &verdict)
+{
+    if (sections_ == nullptr || std::fflush(sections_) != 0 || std::fseek(sections_, 0, SEEK_SET) != 0)
+        return false;
+    const std::string word = verdict.Word();
+    out_ << "<!DOCTYPE html>\n<html lang=\"en\">\n<head>\n<meta charset=\"utf-8\">\n<title>q7cal-report: " << word
+         << "</title>\n<style>\n"
+         << plotStyle_ << kStyle << "</style>\n<script>\n"
+         << plotLibrary_ << "\n</script>\n</head>\n<body>\n<header>\n<div id=\"verdict\" class=\"" << VerdictClass(word)
+         << "\">" << word << "</div>\n<div class=\"about\">" << units_ << (units_ == 1 ? " unit" : " units")
+         << " judged by q7cal-report " << HtmlEscape(context_.reportVersion) << " on " << HtmlEscape(context_.hostname)
+         << "</div>\n</header>\n";
+    char buffer[65536];
+    for (size_t read; (read = std::fread(buffer, 1, sizeof buffer, sections_)) > 0;)
+        out_.write(buffer, static_cast<std::streamsize>(read));
+    if (std::ferror(sections_))
+        return false;
+    out_ << R"js(<script>
+for (const data of document.querySelectorAll('script.plot-data')) {
+  for (const plot of JSON.parse(data.textContent)) {
+    new Dygraph(document.getElementById(plot.id), plot.rows, {
+      labels: plot.labels, xlabel: plot.labels[0], ylabel: plot.ylabel,
+      drawPoints: plot.rows.length <= 64, strokeWidth: 1.5, legend: 'follow',
+      colors: ['#1a73e8', '#c5221f', '#c5221f'],
+      axes: {x: {axisLabelFormatter: x => Number.isInteger(x) ? String(x) : ''}},
+      series: {'low limit': {strokePattern: [4, 4]}, 'high limit': {strokePattern: [4, 4]}}
+    });
+  }
 }
 </script>
 </body>
 </html>
 )js";
-    return page;
+    return static_cast<bool>(out_);
 }
 
 }  // namespace q7report

@@ -1,7 +1,8 @@
-#include "result_lines.h"
+#include "line_classifier.h"
 
 #include <algorithm>
 #include <cctype>
+#include <cstdio>
 #include <cstdlib>
 #include <sstream>
 
@@ -19,8 +20,6 @@ const char kAdcLine[] = TEXT_ADC_LINE;
 const char kPowerSetting[] = TEXT_POWER_SETTING;
 const char kPowerSettingMisspelt[] = TEXT_POWER_SETTING_MISSPELT;
 
-bool StartsWith(const std::string &text, const char *prefix) { return text.rfind(prefix, 0) == 0; }
-
 // A whole decimal number ("-59.67", "1e-3", "nan"); never hexadecimal.
 bool ParseNumber(const std::string &token, double &value)
 {
@@ -36,6 +35,12 @@ bool IsUnit(const std::string &token)
     return !token.empty() && std::all_of(token.begin(), token.end(), [](char c) {
         return std::isalpha(static_cast<unsigned char>(c)) || c == '%' || c == '/';
     });
+}
+
+std::string LastWord(const std::string &text)
+{
+    std::string trimmed = TrimRight(text);
+    return trimmed.substr(trimmed.find_last_of(" \t") + 1);
 }
 
 std::vector<std::string> Words(const std::string &text)
@@ -195,6 +200,186 @@ ResultLine ParseResultLine(const std::string &line)
     }
     result.label = result.quantity = label;
     return result;
+}
+
+namespace {
+
+// What q7cal prints, as the classifier recognises it.
+const char kHeading[] = TEXT_TEST_SEPARATOR TEXT_TESTING;
+const char kMenuBannerEdge[] = TEXT_MENU_BANNER_EDGE " ";
+// How a command that went well ends: its SUCCESSFUL line, or for connecting
+// and disconnecting, the line that says so.
+const char *const kGoodEndings[] = {TEXT_SUCCESSFUL, TEXT_DEVICE_CONNECTED, TEXT_DEVICE_DISCONNECTED};
+const char kPause[] = "Press Enter to continue";
+
+// "******** Tx Commands ********" -> "Tx Commands"; "" for any other line.
+std::string MenuTitle(const std::string &line)
+{
+    const std::string edge = kMenuBannerEdge;
+    const std::string closing = " " TEXT_MENU_BANNER_EDGE;
+    if (line.size() <= edge.size() + closing.size() || !StartsWith(line, kMenuBannerEdge) || !EndsWith(line, closing))
+        return "";
+    return line.substr(edge.size(), line.size() - edge.size() - closing.size());
+}
+
+// A typed answer after the menu's prompt ("9", "-1"): a terminal's echo.
+// Piped answers are never echoed.
+bool IsTypedAnswer(std::string answer)
+{
+    answer = Trim(answer);
+    if (!answer.empty() && answer[0] == '-')
+        answer.erase(0, 1);
+    return !answer.empty() &&
+           std::all_of(answer.begin(), answer.end(), [](char c) { return std::isdigit(static_cast<unsigned char>(c)); });
+}
+
+// A line of the device-mode stack, by q7cal's own formats.
+bool ReadStackLine(const std::string &line, bool push, ClassifiedLine &classified)
+{
+    int index = -1;
+    unsigned *mode = classified.mode;
+    int read = push ? std::sscanf(line.c_str(), TEXT_PUSH_FORMAT, &index, &mode[0], &mode[1], &mode[2], &mode[3])
+                    : std::sscanf(line.c_str(), TEXT_POP_FORMAT, &index, &mode[0], &mode[1], &mode[2], &mode[3]);
+    if (read != 5)
+        return false;
+    classified.index = index;
+    return true;
+}
+
+// A command's heading: "GetTxAttn:", "Set TR Switch:" or a lone name such as
+// "ResetRxSpectrum"; never a prompt, a result line or a verdict.
+bool IsHeading(const std::string &line)
+{
+    if (line.empty() || !std::isalpha(static_cast<unsigned char>(line[0])))
+        return false;
+    bool colon = line.back() == ':';
+    std::string name = colon ? line.substr(0, line.size() - 1) : line;
+    if (name.find_first_of(":=?") != std::string::npos)
+        return false;
+    return colon || name.find(' ') == std::string::npos;
+}
+
+// "0200: 02 01 03 F8": an address of four or more hexadecimal digits, then bytes.
+bool IsHexRow(const std::string &line)
+{
+    size_t colon = line.find(':');
+    if (colon == std::string::npos || colon < 4 ||
+        !std::all_of(line.begin(), line.begin() + static_cast<long>(colon),
+                     [](char c) { return std::isxdigit(static_cast<unsigned char>(c)); }))
+        return false;
+    std::vector<std::string> bytes = Words(line.substr(colon + 1));
+    return std::all_of(bytes.begin(), bytes.end(), [](const std::string &byte) {
+        return byte.size() == 2 && std::isxdigit(static_cast<unsigned char>(byte[0])) &&
+               std::isxdigit(static_cast<unsigned char>(byte[1]));
+    });
+}
+
+// "    RF checksum is  VALID", "DSD checksum is NOT VALID": the block's name and its state.
+bool ReadChecksumState(const std::string &line, ClassifiedLine &classified)
+{
+    size_t is = line.find(TEXT_CHECKSUM_IS);
+    std::string state = Trim(line.substr(is == std::string::npos ? 0 : is + sizeof TEXT_CHECKSUM_IS - 1));
+    if (is == std::string::npos || (state != TEXT_VALID && state != TEXT_NOT_VALID))
+        return false;
+    classified.label = Trim(line.substr(0, is)) + " checksum";
+    classified.value = state;
+    return true;
+}
+
+}  // namespace
+
+std::string TrimRight(std::string text)
+{
+    text.erase(text.find_last_not_of(" \t") + 1);
+    return text;
+}
+
+bool StartsWith(const std::string &text, const char *prefix) { return text.rfind(prefix, 0) == 0; }
+
+bool EndsWith(const std::string &text, const std::string &suffix)
+{
+    return text.size() >= suffix.size() && text.compare(text.size() - suffix.size(), suffix.size(), suffix) == 0;
+}
+
+std::string StateText(const ClassifiedLine &state)
+{
+    return state.label + (EndsWith(state.label, " checksum") ? " is " : " = ") + state.value;
+}
+
+ClassifiedLine Classify(const std::string &line)
+{
+    ClassifiedLine c;
+    c.text = line;
+    if (StartsWith(line, TEXT_MENU_PROMPT)) {
+        c.afterMenuPrompt = true;
+        c.text = line.substr(sizeof TEXT_MENU_PROMPT - 1);
+        c.typedAnswer = IsTypedAnswer(c.text);
+    }
+    const std::string &text = c.text;
+    const std::string trimmed = Trim(text);
+    size_t error = text.find(TEXT_ERROR);
+    size_t warning = text.find(TEXT_WARNING);
+    std::string label, labeled;
+
+    if (trimmed.empty() || c.typedAnswer) {
+        c.kind = ClassifiedLine::kBlank;
+    } else if (!(c.label = MenuTitle(text)).empty()) {
+        c.kind = ClassifiedLine::kMenuTitle;
+    } else if (text.find(TEXT_INVALID_OPTION) != std::string::npos) {
+        c.kind = ClassifiedLine::kInvalidOption;
+    } else if (text.find(TEXT_CONNECTING) != std::string::npos) {
+        c.kind = ClassifiedLine::kStartUp;
+    } else if (ReadStackLine(text, true, c)) {
+        c.kind = ClassifiedLine::kPush;
+    } else if (ReadStackLine(text, false, c)) {
+        c.kind = ClassifiedLine::kPop;
+    } else if (StartsWith(text, kHeading)) {
+        c.kind = ClassifiedLine::kSectionHeading;
+        c.label = TrimRight(text.substr(sizeof kHeading - 1));
+    } else if (error != std::string::npos) {
+        c.kind = ClassifiedLine::kError;
+        // "READ ERROR:" and "WRITE ERROR:" name the failure with their first word.
+        for (const std::string operation : {"READ ", "WRITE "})
+            if (error >= operation.size() && text.compare(error - operation.size(), operation.size(), operation) == 0)
+                error -= operation.size();
+        c.value = TrimRight(text.substr(error));
+        c.before = text.substr(0, error);
+    } else if (warning != std::string::npos) {
+        c.kind = ClassifiedLine::kWarning;
+        c.value = TrimRight(text.substr(warning));
+    } else if (std::any_of(std::begin(kGoodEndings), std::end(kGoodEndings),
+                           [&](const char *ending) { return EndsWith(TrimRight(text), ending); })) {
+        c.kind = ClassifiedLine::kSuccessful;
+        c.label = trimmed.substr(0, trimmed.find(' '));
+    } else if (ReadChecksumState(text, c)) {
+        c.kind = ClassifiedLine::kState;
+    } else if (SplitLabeledLine(text, label, labeled) &&
+               (label == TEXT_SYNC_STATUS || label + " = " == TEXT_CALIBRATION_STATE)) {
+        c.kind = ClassifiedLine::kState;
+        c.label = label;
+        c.value = labeled;
+    } else if (LastWord(trimmed) == "PASS" || LastWord(trimmed) == "FAIL") {
+        c.kind = ClassifiedLine::kVerdict;
+        c.value = LastWord(trimmed);
+        c.result = ParseResultLine(text);  // the Tx output power read back stands before its verdict
+    } else if (IsHexRow(text)) {
+        c.kind = ClassifiedLine::kHexRow;
+    } else if ((c.result = ParseResultLine(text)).kind != ResultLine::kNone) {
+        c.kind = c.result.kind == ResultLine::kValue       ? ClassifiedLine::kValue
+                 : c.result.kind == ResultLine::kListEntry ? ClassifiedLine::kListEntry
+                                                           : ClassifiedLine::kSpectrumRow;
+        c.label = c.result.label;
+    } else if (std::count(text.begin(), text.end(), '=') == 1 && SplitLabeledLine(text, label, labeled)) {
+        c.kind = ClassifiedLine::kLabeledText;
+        c.label = label;
+        c.value = labeled;
+    } else if (trimmed != kPause && IsHeading(trimmed)) {
+        c.kind = ClassifiedLine::kHeading;
+        c.label = trimmed.back() == ':' ? trimmed.substr(0, trimmed.size() - 1) : trimmed;
+    } else {
+        c.kind = ClassifiedLine::kText;
+    }
+    return c;
 }
 
 }  // namespace q7report

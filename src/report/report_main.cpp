@@ -2,7 +2,11 @@
 // and gives a production line its verdict: a summary line per unit, an exit
 // status, and optionally JUnit XML, JSON records, an HTML page and the
 // unit's record kept in a history; or says what a history holds.
+#include <cerrno>
+#include <csignal>
 #include <cstdio>
+#include <cstring>
+#include <exception>
 #include <memory>
 #include <string>
 #include <vector>
@@ -17,30 +21,6 @@
 using namespace q7report;
 
 namespace {
-
-// Judges one transcript and says its verdict; false when it could not be
-// read or is no q7cal transcript.
-bool JudgeUnit(const std::string &name, const Limits &limits, const RunContext &context, UnitRecord &record)
-{
-    UnitRecord read;
-    std::vector<TimedLine> lines;
-    if (!ReadTranscript(name, read, lines))
-        return false;
-    record = JudgeTranscript(lines, limits);
-    record.source = read.source;
-    record.timed = read.timed;
-    record.start = read.start;
-    if (!record.isSession) {
-        std::fprintf(stderr, "q7cal-report: %s is not a q7cal transcript\n", record.source.c_str());
-        return false;
-    }
-    std::fputs(FailureLines(record).c_str(), stderr);
-    if (record.checks.empty())
-        std::fprintf(stderr, "q7cal-report: FAIL %s: nothing was judged: no automated run and no command\n",
-                     record.source.c_str());
-    std::fputs(SummaryLine(record, context).c_str(), stdout);
-    return true;
-}
 
 // The history's place as it may be shown: a server's password left out.
 std::string Shown(const std::string &where)
@@ -87,53 +67,161 @@ int SayHistory(const Options &options)
     return std::fflush(stdout) == 0 ? status : kTrouble;
 }
 
-}  // namespace
+// The report files asked for, each written unit by unit.
+class ReportFiles {
+public:
+    ReportFiles(const Options &options, const std::string &plotLibrary, const std::string &plotStyle)
+    {
+        const RunContext &context = options.context;
+        if (!options.junitFile.empty() && Open(junit_, options.junitFile))
+            junitWriter_ = std::make_unique<JunitWriter>(junit_->Stream(), context);
+        if (!options.jsonFile.empty() && Open(json_, options.jsonFile))
+            jsonWriter_ = std::make_unique<JsonWriter>(json_->Stream(), context);
+        if (!options.htmlFile.empty() && Open(html_, options.htmlFile))
+            htmlWriter_ = std::make_unique<HtmlWriter>(html_->Stream(), context, plotLibrary, plotStyle);
+    }
+    bool Opened() const { return opened_; }
 
-int main(int argc, char *argv[])
+    void Add(const UnitRecord &record)
+    {
+        verdict_.Add(record);
+        if (junitWriter_)
+            junitWriter_->Add(record);
+        if (jsonWriter_)
+            jsonWriter_->Add(record);
+        if (htmlWriter_ && !htmlWriter_->Add(record))
+            htmlFailed_ = true;
+    }
+
+    // Every file ended and put in place; false when one could not be written whole.
+    bool Commit()
+    {
+        bool written = true;
+        if (junitWriter_) {
+            junitWriter_->End();
+            written = junit_->Commit() && written;
+        }
+        if (jsonWriter_) {
+            jsonWriter_->End(verdict_);
+            written = json_->Commit() && written;
+        }
+        if (htmlWriter_) {
+            if (!htmlWriter_->End(verdict_) || htmlFailed_) {
+                std::fprintf(stderr, "q7cal-report: cannot write the page's scratch file: %s\n", std::strerror(errno));
+                written = false;
+            } else {
+                written = html_->Commit() && written;
+            }
+        }
+        return written;
+    }
+
+private:
+    bool Open(std::unique_ptr<OutputFile> &file, const std::string &path)
+    {
+        file = std::make_unique<OutputFile>(path);
+        opened_ = file->Open() && opened_;
+        return opened_;
+    }
+
+    bool opened_ = true;
+    bool htmlFailed_ = false;
+    BatchVerdict verdict_;
+    std::unique_ptr<OutputFile> junit_, json_, html_;
+    std::unique_ptr<JunitWriter> junitWriter_;
+    std::unique_ptr<JsonWriter> jsonWriter_;
+    std::unique_ptr<HtmlWriter> htmlWriter_;
+};
+
+// What is read and what is written must be apart: an output may replace no
+// input, the history included.
+bool FilesAreApart(const Options &options)
 {
-    int status = kAllPassed;
-    std::optional<Options> options = ParseCommandLine(argc, argv, status);
-    if (!options)
-        return status;
-    if (options->history)
-        return SayHistory(*options);
-    RunContext &context = options->context;
-    std::optional<Limits> limits = ReadLimits(options->limitsFile);
+    std::vector<std::string> outputs, inputs = options.transcripts;
+    for (const std::string *output : {&options.junitFile, &options.jsonFile, &options.htmlFile})
+        if (!output->empty())
+            outputs.push_back(*output);
+    if (!options.limitsFile.empty())
+        inputs.push_back(options.limitsFile);
+    if (!options.database.empty() && options.database.find("://") == std::string::npos)
+        inputs.push_back(options.database);
+    return OutputsAreApart(outputs, inputs);
+}
+
+int JudgeUnits(Options &options)
+{
+    RunContext &context = options.context;
+    std::optional<Limits> limits = ReadLimits(options.limitsFile);
+    if (!limits)
+        return kTrouble;
+    if (options.printLimits) {
+        std::fputs(limits->Json().c_str(), stdout);
+        return std::fflush(stdout) == 0 ? kAllPassed : kTrouble;
+    }
     std::string plotLibrary, plotStyle;
-    if (!limits || (!options->htmlFile.empty() && !ReadPlotLibrary(plotLibrary, plotStyle)))
+    if (!FilesAreApart(options) || (!options.htmlFile.empty() && !ReadPlotLibrary(plotLibrary, plotStyle)))
         return kTrouble;
     context.hostname = HostName();
     // A history that cannot take the units is said before any is judged.
     std::unique_ptr<HistoryDatabase> history;
-    if (!options->database.empty() && !(history = OpenHistory(options->database)))
+    if (!options.database.empty() && !(history = OpenHistory(options.database)))
         return kTrouble;
+    ReportFiles files(options, plotLibrary, plotStyle);
+    if (!files.Opened())
+        return kTrouble;
+    // With a file on standard output, the summaries go to standard error.
+    bool fileOnStdout = options.junitFile == "-" || options.jsonFile == "-" || options.htmlFile == "-";
+    FILE *summaries = fileOnStdout ? stderr : stdout;
 
-    std::vector<UnitRecord> records;
-    for (const std::string &name : options->transcripts) {
-        UnitRecord record;
-        if (!JudgeUnit(name, *limits, context, record)) {
+    int status = kAllPassed;
+    for (const std::string &name : options.transcripts) {
+        UnitRecord record = JudgeInput(name, *limits);
+        if (!record.error.empty()) {
             status = kTrouble;
+            files.Add(record);
             continue;
         }
+        std::fputs(FailureLines(record).c_str(), stderr);
+        if (record.checks.empty())
+            std::fprintf(stderr, "q7cal-report: FAIL %s: nothing was judged: no automated run and no command\n",
+                         record.source.c_str());
+        std::fputs(SummaryLine(record, context).c_str(), summaries);
         if (status == kAllPassed && !record.Passed())
             status = kSomethingFailed;
         std::string error;
         if (history && !history->Append(record, context, error)) {
             std::fprintf(stderr, "q7cal-report: %s was not added to the history %s: %s\n",
-                         UnitName(record, context).c_str(), Shown(options->database).c_str(), error.c_str());
+                         UnitName(record, context).c_str(), Shown(options.database).c_str(), error.c_str());
             status = kTrouble;
         }
-        records.push_back(std::move(record));
+        files.Add(record);
     }
-
-    if (!options->junitFile.empty() && !WriteFile(options->junitFile, JunitXml(records, context)))
-        status = kTrouble;
-    if (!options->jsonFile.empty() && !WriteFile(options->jsonFile, JsonDocument(records, context)))
-        status = kTrouble;
-    if (!options->htmlFile.empty() &&
-        !WriteFile(options->htmlFile, HtmlPage(records, context, plotLibrary, plotStyle)))
+    if (!files.Commit())
         status = kTrouble;
     if (std::fflush(stdout) != 0)
         status = kTrouble;
     return status;
+}
+
+}  // namespace
+
+int main(int argc, char *argv[])
+{
+    // A write refused for its size, or to a reader that has gone, is an
+    // output error like any other, said and with its status.
+    std::signal(SIGXFSZ, SIG_IGN);
+    std::signal(SIGPIPE, SIG_IGN);
+    RemoveOutputsOnSignals();
+    try {
+        int status = kAllPassed;
+        std::optional<Options> options = ParseCommandLine(argc, argv, status);
+        if (!options)
+            return status;
+        if (options->history)
+            return SayHistory(*options);
+        return JudgeUnits(*options);
+    } catch (const std::exception &error) {
+        std::fprintf(stderr, "q7cal-report: %s\n", error.what());
+        return kTrouble;
+    }
 }

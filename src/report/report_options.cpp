@@ -5,6 +5,7 @@
 #include <cstdio>
 
 #include "history_report.h"
+#include "text_safety.h"
 
 namespace q7report {
 namespace {
@@ -14,23 +15,29 @@ const char kHelp[] =
     "Judge q7cal session transcripts (standard input when none is named, or -),\n"
     "each the session of one unit.\n"
     "\n"
-    "An automated run is judged check by check: every PASS or FAIL line, every\n"
-    "DSD and block checksum and the calibration state (NOT VALID fails), the\n"
-    "device mode restored at the end, every error (but the GPIO writes after the\n"
-    "write permission is set to 0, which must be refused), and the run reaching\n"
-    "its final Pop[ 0]. Every other command passes with its SUCCESSFUL line and\n"
-    "fails with an error, a WARNING, verify errors or no ending. Every value the\n"
-    "unit prints is a measurement, judged by its limits where it has any; in a\n"
+    "An automated run is judged against its plan: every check and measurement\n"
+    "the plan names must appear in its group, once, readable and within its\n"
+    "limits (a value outside its marginal band passes as MARGINAL); a missing\n"
+    "one fails as not measured, a line the plan does not know as unexpected.\n"
+    "Every error fails it (but the GPIO writes after the write permission is set\n"
+    "to 0, which must be refused). Every other command passes with its\n"
+    "SUCCESSFUL line and fails with an error, a WARNING, verify errors or no\n"
+    "ending. A checksum or the calibration shown NOT VALID fails anywhere; in a\n"
     "scripted session, a menu that refuses a stray answer fails it as out of step.\n"
     "\n"
     "  --unit=ID         the unit's ID (serial number), for one transcript\n"
     "  --station=ID      the test station\n"
     "  --operator=NAME   who tested the unit\n"
     "  --limits=FILE     judge measured values by this JSON table instead of the\n"
-    "                    one built in (limits.json in the program's documents)\n"
+    "                    plan's own; it must give limits to every quantity of\n"
+    "                    the plan and to nothing else\n"
+    "  --print-limits    print the limits in force (the plan's, or --limits')\n"
+    "                    as a limits table, and exit\n"
     "  --junit=FILE      also write JUnit XML to FILE, a test suite per unit\n"
     "  --json=FILE       also write the units' records as JSON to FILE\n"
     "  --html=FILE       also write a page with plots to FILE, to open offline\n"
+    "                    (each FILE is replaced whole once written; - is standard\n"
+    "                    output, and the summary lines then go to standard error)\n"
     "  --db=DATABASE     also append each unit's record to the history in\n"
     "                    DATABASE: an SQLite file (created on first use) or a\n"
     "                    PostgreSQL server's postgresql:// URI\n"
@@ -46,15 +53,18 @@ const char kHelp[] =
     "Prints one summary line per unit on standard output and each failure on\n"
     "standard error. Exit status: 0 every unit passed, 1 something failed or\n"
     "nothing was judged, 2 a wrong command line or limits table, an input that\n"
-    "cannot be read or is not a q7cal transcript, or a report that cannot be\n"
-    "written.\n"
+    "cannot be read or is not a q7cal transcript (its unit is an ERROR in every\n"
+    "file), or a report that cannot be written.\n"
     "Example: q7cal < unit.answers | q7cal-report --unit=SN1042 --junit=unit.xml\n"
     "         q7cal-report --history --db=station.db --since=2026-11-01\n";
 
-enum LongOption { kUnit = 256, kStation, kOperator, kLimits, kJunit, kJson, kHtml, kDb, kHistory, kSince, kUntil };
+enum LongOption {
+    kUnit = 256, kStation, kOperator, kLimits, kPrintLimits, kJunit, kJson, kHtml, kDb, kHistory, kSince, kUntil
+};
 const struct option kOptions[] = {
     {"unit", required_argument, nullptr, kUnit},         {"station", required_argument, nullptr, kStation},
     {"operator", required_argument, nullptr, kOperator}, {"limits", required_argument, nullptr, kLimits},
+    {"print-limits", no_argument, nullptr, kPrintLimits},
     {"junit", required_argument, nullptr, kJunit},       {"json", required_argument, nullptr, kJson},
     {"html", required_argument, nullptr, kHtml},         {"db", required_argument, nullptr, kDb},
     {"history", no_argument, nullptr, kHistory},         {"since", required_argument, nullptr, kSince},
@@ -94,6 +104,7 @@ std::optional<Options> ParseCommandLine(int argc, char *argv[], int &status)
         case kStation: options.context.station = optarg; break;
         case kOperator: options.context.operatorName = optarg; break;
         case kLimits: options.limitsFile = optarg; break;
+        case kPrintLimits: options.printLimits = true; break;
         case kJunit: options.junitFile = optarg; break;
         case kJson: options.jsonFile = optarg; break;
         case kHtml: options.htmlFile = optarg; break;
@@ -106,6 +117,15 @@ std::optional<Options> ParseCommandLine(int argc, char *argv[], int &status)
     }
     for (int i = optind; i < argc; i++)
         options.transcripts.push_back(argv[i]);
+    // An identity goes into every file as text: it must be text.
+    for (const auto &[option, value] : {std::pair{"--unit", &options.context.unit},
+                                        std::pair{"--station", &options.context.station},
+                                        std::pair{"--operator", &options.context.operatorName}})
+        if (!IsValidUtf8(*value)) {
+            std::fprintf(stderr, "q7cal-report: %s is not UTF-8 text: give it in UTF-8\n", option);
+            status = kTrouble;
+            return std::nullopt;
+        }
     if (options.history) {
         if (options.database.empty())
             return WrongCommandLine("--history reads the history of --db: name it", status);

@@ -15,6 +15,7 @@ enum ExitStatus { kAllPassed = 0, kSomethingFailed = 1, kTrouble = 2 };
 struct Options {
     RunContext context;  // the unit, station and operator given
     std::string limitsFile;
+    bool printLimits = false;  // --print-limits: say the limits in force, judge nothing
     std::string junitFile;
     std::string jsonFile;
     std::string htmlFile;

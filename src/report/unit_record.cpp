@@ -13,31 +13,42 @@ const std::string &UnitRecord::Identity(const char *key) const
     return kNone;
 }
 
-bool UnitRecord::Simulated() const
+std::optional<bool> UnitRecord::Simulated() const
 {
-    return Identity("driver_version").find(TEXT_SIMULATED_DEVICE) != std::string::npos;
+    const std::string &driver = Identity("driver_version");
+    if (driver.empty())
+        return std::nullopt;
+    return driver.find(TEXT_SIMULATED_DEVICE) != std::string::npos;
 }
 
 Totals UnitRecord::Count() const
 {
     Totals totals;
+    totals.checks = checks.size();
     for (const Check &check : checks) {
-        if (check.isCommand) {
-            totals.commands++;
-            totals.commandsPassed += check.passed;
-        } else if (check.expectedError && check.passed) {
+        totals.commands += check.isCommand;
+        if (!check.passed)
+            totals.failed++;
+        else if (check.expectedError)
             totals.expectedErrors++;
-        } else {
-            totals.checks++;
-            totals.checksPassed += check.passed;
-        }
+        else if (check.marginal)
+            totals.marginal++;
+        else
+            totals.passed++;
     }
     return totals;
 }
 
+const char *UnitRecord::Verdict() const
+{
+    if (!error.empty())
+        return "ERROR";
+    return Passed() ? "PASS" : "FAIL";
+}
+
 bool UnitRecord::Passed() const
 {
-    if (checks.empty())
+    if (!error.empty() || checks.empty())
         return false;
     for (const Check &check : checks)
         if (!check.passed)

@@ -15,10 +15,13 @@
 
 namespace q7report {
 
-// A measured quantity's limits, both inclusive, in `unit`.
+// A measured quantity's limits, both inclusive, in `unit`, and the marginal
+// band inside them: a value between the band and a limit passes, marginally.
 struct Limit {
     double low = 0;
     double high = 0;
+    double marginalLow = 0;
+    double marginalHigh = 0;
     std::string unit;
 };
 
@@ -29,9 +32,10 @@ struct Check {
     std::string classname;  // "automated.Tx", "commands.Tx Commands", "session"
     std::string name;       // stable from unit to unit: "GetTxOutputPower and SetTxOutputPower: +20 dBm"
     bool passed = true;
+    bool marginal = false;       // passed, but a value lies outside its marginal band
     bool isCommand = false;      // an interactive command, judged by how it ended
     bool expectedError = false;  // an error that the run announced, refused as it should be
-    std::string type;            // why it failed: "FAIL", "ERROR", "NOT VALID", "outside limits", ...
+    std::string type;            // why it failed: "FAIL", "ERROR", "NOT VALID", "outside limits", "not measured", ...
     std::string message;         // the deciding text
     std::string evidence;        // the transcript lines it was judged on
     size_t line = 0;             // the transcript line that decided it
@@ -52,6 +56,7 @@ struct Measurement {
     size_t line = 0;  // the transcript line of its (first) value
     std::optional<Limit> limit;
     bool withinLimits = true;
+    bool marginal = false;  // within its limits, outside its marginal band
 };
 
 // The unit's identity as its transcript shows it, by the label q7cal prints.
@@ -76,12 +81,15 @@ inline constexpr IdentityField kIdentityFields[] = {
 };
 inline constexpr size_t kIdentityFieldCount = sizeof kIdentityFields / sizeof kIdentityFields[0];
 
+// One count of the record's checks, the same in every output: every check is
+// PASS, MARGINAL, FAIL, or an expected error seen where the run announced it.
 struct Totals {
-    size_t checks = 0;  // every check but the expected errors seen
-    size_t checksPassed = 0;
-    size_t expectedErrors = 0;  // expected errors seen where the run announced them
-    size_t commands = 0;        // interactive commands, judged by how they ended
-    size_t commandsPassed = 0;
+    size_t checks = 0;
+    size_t passed = 0;
+    size_t marginal = 0;
+    size_t failed = 0;
+    size_t expectedErrors = 0;
+    size_t commands = 0;  // of the checks, interactive commands judged by how they ended
 };
 
 // The source name of a transcript read from standard input.
@@ -89,6 +97,7 @@ inline constexpr char kStandardInput[] = "standard input";
 
 struct UnitRecord {
     std::string source;      // the file name, or kStandardInput
+    std::string error;       // why the input could not be judged: the unit's verdict is ERROR
     bool isSession = false;  // false: not a q7cal transcript at all
     bool scripted = true;    // answers came from a script: no typed answer shows after a prompt
     bool timed = false;      // read from a live pipe: lines carry when they arrived
@@ -97,12 +106,15 @@ struct UnitRecord {
     std::string identity[kIdentityFieldCount];  // "" where the transcript does not show it
     std::vector<Check> checks;
     std::vector<Measurement> measurements;
-    std::string transcript;  // as read, with unprintable bytes as '?'
+    std::string transcript;  // as read, in UTF-8: invalid bytes as U+FFFD
 
     const std::string &Identity(const char *key) const;
-    bool Simulated() const;  // the simulated device names itself in its driver version
+    // The simulated device names itself in its driver version; nothing when
+    // the transcript shows no version report: the device is not identified.
+    std::optional<bool> Simulated() const;
     Totals Count() const;
     bool Passed() const;  // something was judged, and all of it passed
+    const char *Verdict() const;  // "PASS", "FAIL", or "ERROR" for an input that could not be judged
 };
 
 // What the command line and the host add to every unit's record.

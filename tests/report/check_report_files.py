@@ -31,9 +31,13 @@ assert corrupted.failures == 4
 
 # JSON: each unit named, simulated, its verdict, checks and measurements.
 document = json.load(open(json_file))
-assert document["schema_version"] == 1 and document["verdict"] == "FAIL"
+assert document["schema_version"] == 2 and document["verdict"] == "FAIL"
 units = document["units"]
 assert [unit["verdict"] for unit in units] == ["PASS", "FAIL"]
+# One count of checks in every file.
+for suite, unit in zip(suites, units):
+    assert suite.tests == len(list(suite)) == unit["totals"]["checks"] == len(unit["checks"]), (suite.tests, unit["totals"])
+    assert suite.failures == unit["totals"]["failed"] == sum(c["result"] == "FAIL" for c in unit["checks"])
 for unit in units:
     assert unit["unit"]["identity"]["mac_address"] == "02:1A:C7:30:5E:81" and unit["unit"]["simulated"] is True
     assert unit["context"]["station"] == "ST7" and unit["context"]["operator"] == "Ada L"
@@ -83,7 +87,10 @@ assert all(canvases > 0 for canvases in page.graphs), page.graphs
 dom = open(dom_file).read()
 assert "2 units judged by q7cal-report " in dom
 # A list with limits is drawn with them: each row its index, value, low and high.
-plots = json.loads(dom[dom.index("const plots = ") + 14:].split(";\n", 1)[0]) if "const plots = " in dom else []
+sections = dom.split('<section class="unit"')[1:]
+plots = [dict(plot, unit=u) for u, section in enumerate(sections)
+         for data in re.findall(r'<script type="application/json" class="plot-data">(.*?)</script>', section, re.S)
+         for plot in json.loads(data)]
 limited = [plot for plot in plots if plot["labels"][2:] == ["low limit", "high limit"]]
 assert limited and all(len(row) == 4 for plot in limited for row in plot["rows"]), [p["labels"] for p in plots]
 # Each plot draws its list's values, against their index, in the record's order.
@@ -91,9 +98,11 @@ drawn = [(p["unit"], p["title"], [row[1] for row in p["rows"]], [row[0] for row 
 listed = [(u, m["name"], m["values"], list(range(len(m["values"]))))
           for u, unit in enumerate(units) for m in unit["measurements"] if "values" in m]
 assert drawn == listed, "the plots do not draw the record's lists"
-assert dom.count(" checks, 0 failed; ") == 1 and dom.count(" checks, 4 failed; ") == 1, "the checks are miscounted"
+counted = ["%d checks: %d PASS, %d MARGINAL, %d FAIL, %d expected errors." % tuple(
+    unit["totals"][k] for k in ("checks", "passed", "marginal", "failed", "expected_errors")) for unit in units]
+assert all(text in section for text, section in zip(counted, sections)), "the checks are miscounted"
 # Each unit's plots stand in its own section.
-for unit, section in enumerate(dom.split('<section class="unit"')[1:]):
+for unit, section in enumerate(sections):
     drawn_here = re.findall(r'id="plot-(\d+)-', section)
     assert drawn_here and set(drawn_here) == {str(unit)}, (unit, drawn_here)
 # Each unit's identity: who, where, when, how long, from what.

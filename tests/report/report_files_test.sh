@@ -66,15 +66,70 @@ expect 2 "cannot read $scratch/none.log: No such file" "$scratch/none.log"
 [ "$(cat "$scratch/out" "$scratch/err" | wc -l)" -eq 1 ] || fail "a missing transcript is said more than once: $(cat "$scratch/out" "$scratch/err")"
 expect 2 "belong to --history" --until=2026-11-01
 expect 2 "cannot write $scratch/none/unit.json" --json="$scratch/none/unit.json"
-echo '{"limits": {"Temperature": {"low": 50, "high": 60}}}' >"$scratch/bad-limits.json"
-expect 2 "is not a limits table" --limits "$scratch/bad-limits.json"
-echo '{"limits": {"Temperature": {"low": 50, "high": 60, "unit": "C"}}}' >"$scratch/hot-limits.json"
+# A product's limits: the plan's own table with one quantity moved; one
+# that misspells a quantity is refused before anything is judged.
+"$report" --print-limits >"$scratch/limits.json" || fail "--print-limits"
+sed '/"Temperature"/,/}/ s/"low": 30.0/"low": 50.0/; /"Temperature"/,/}/ s/"high": 45.0/"high": 60.0/;
+     /"Temperature"/,/}/ s/"marginal_low": 32.0/"marginal_low": 50.0/; /"Temperature"/,/}/ s/"marginal_high": 42.0/"marginal_high": 60.0/' \
+  "$scratch/limits.json" >"$scratch/hot-limits.json"
 expect 1 "Temperature = 33 C is outside its limits 50 to 60 C" --limits="$scratch/hot-limits.json"
+sed 's/"Temperature"/"Temprature"/' "$scratch/limits.json" >"$scratch/bad-limits.json"
+expect 2 '"Temprature" is no quantity the automated run measures' --limits "$scratch/bad-limits.json"
 expect 0 "" --unit=SN1042 -- -
 grep -q '^q7cal-report: PASS unit SN1042 (simulated device) from standard input' "$scratch/out" ||
   fail "--unit does not name the unit: $(cat "$scratch/out")"
 "$report" --version | grep -q '^q7cal-report [0-9]' || fail "--version"
 "$report" --he | grep -q -- '--limits=FILE' || fail "--help (abbreviated) does not list --limits"
+
+# A batch with an input that is no transcript and one that cannot be read:
+# each an ERROR unit in every file, and the batch an ERROR.
+: >"$scratch/empty.log"
+"$report" --json="$scratch/batch.json" --junit="$scratch/batch.xml" --html="$scratch/batch.html" \
+  "$golden/healthy_run.in" "$scratch/empty.log" "$scratch/missing.log" >/dev/null 2>"$scratch/err"
+[ $? -eq 2 ] || fail "a batch with unreadable inputs: status is not 2"
+xmllint --noout --schema "$here/JUnit.xsd" "$scratch/batch.xml" 2>/dev/null || fail "the batch's JUnit is not valid"
+/usr/bin/python3 - "$scratch/batch.json" "$scratch/batch.xml" <<'PY' || fail "the batch's files do not show its ERROR units"
+import json, sys, junitparser
+document = json.load(open(sys.argv[1]))
+assert document["verdict"] == "ERROR", document["verdict"]
+assert [u["verdict"] for u in document["units"]] == ["PASS", "ERROR", "ERROR"], [u["verdict"] for u in document["units"]]
+assert document["units"][1]["error"].endswith("is not a q7cal transcript"), document["units"][1]["error"]
+suites = list(junitparser.JUnitXml.fromfile(sys.argv[2]))
+assert [s.errors for s in suites] == [0, 1, 1], [s.errors for s in suites]
+PY
+grep -q '<div id="verdict" class="error">ERROR</div>' "$scratch/batch.html" || fail "the batch's page does not say ERROR"
+
+# Identities: text that is no UTF-8 is refused; a barcode's group separator
+# is kept in the JSON and shown by its picture where XML cannot carry it.
+"$report" --operator=$'Jos\xe9' --json="$scratch/jose.json" <"$golden/healthy_run.in" >/dev/null 2>"$scratch/err"
+[ $? -eq 2 ] && [ "$(wc -l <"$scratch/err")" -eq 1 ] && [ ! -e "$scratch/jose.json" ] ||
+  fail "an operator that is no UTF-8: $(cat "$scratch/err")"
+"$report" --unit=$'SN42\x1d10LOT7' --junit="$scratch/gs1.xml" --json="$scratch/gs1.json" --html="$scratch/gs1.html" \
+  <"$golden/healthy_run.in" >/dev/null 2>&1 || fail "a unit named by a GS1 barcode does not pass"
+xmllint --noout --schema "$here/JUnit.xsd" "$scratch/gs1.xml" 2>/dev/null || fail "a GS1 barcode breaks the JUnit file"
+xmllint --noout --html "$scratch/gs1.html" 2>/dev/null || fail "a GS1 barcode breaks the page"
+/usr/bin/python3 - "$scratch/gs1.json" "$scratch/gs1.xml" <<'PY' || fail "a GS1 barcode is not kept"
+import json, sys, junitparser
+assert json.load(open(sys.argv[1]))["units"][0]["unit"]["id"] == "SN42\x1d10LOT7"
+assert next(iter(junitparser.JUnitXml.fromfile(sys.argv[2]))).name.startswith("SN42\u241d10LOT7")
+PY
+
+# Files written whole or not at all: an output may not replace an input; "-"
+# is standard output; a file-size limit leaves the previous file as it was.
+cp "$golden/healthy_run.in" "$scratch/SN1.log"
+"$report" --json="$scratch/SN1.log" "$scratch/SN1.log" >/dev/null 2>"$scratch/err"
+[ $? -eq 2 ] && cmp -s "$scratch/SN1.log" "$golden/healthy_run.in" || fail "an output that names its input: $(cat "$scratch/err")"
+"$report" --json=- <"$golden/healthy_run.in" 2>"$scratch/err" | /usr/bin/python3 -c 'import json, sys; json.load(sys.stdin)' ||
+  fail "--json=- is not JSON on standard output"
+grep -q '^q7cal-report: PASS unit' "$scratch/err" || fail "with --json=-, the summary is not on standard error"
+[ ! -e ./- ] || fail "--json=- made a file named -"
+"$report" --json="$scratch/kept.json" <"$golden/healthy_run.in" >/dev/null 2>&1
+cp "$scratch/kept.json" "$scratch/kept.before"
+(ulimit -f 8; exec "$report" --json="$scratch/kept.json" <"$golden/stuck_led.in") >/dev/null 2>"$scratch/err"
+status=$?
+[ $status -eq 2 ] || fail "a file-size limit: status $status, expected 2"
+cmp -s "$scratch/kept.json" "$scratch/kept.before" || fail "a file-size limit left a changed file"
+[ -z "$(find "$scratch" -name '.kept.json.*')" ] || fail "a file-size limit left its scratch file"
 
 [ $failures -eq 0 ] && echo "report files: all checks passed"
 exit $((failures > 0))

@@ -29,7 +29,7 @@
 
 #include "measurement_limits.h"
 #include "report_writers.h"
-#include "result_lines.h"
+#include "line_classifier.h"
 #include "transcript.h"
 
 namespace {
@@ -139,13 +139,59 @@ TEST(ReportTest, TheRunEndsJudgedByItsFinalPopAndTheLineAfterIt)
     wrongPop.replace(at, pop.size(), "Pop[ 0] - set device mode: mode = 4 modulation = 0 CW Offset=0 LoopbackTX=0 \n");
     EXPECT_FALSE(Find(Judge(wrongPop), "device mode restored")->passed);
 
-    // Cut off inside: incomplete, and no verdict on the mode.
+    // Cut off inside: incomplete, every check still to come not checked, the
+    // mode among them; the same checks as a whole run.
     UnitRecord cut = Judge(healthy.substr(0, healthy.find("------------- Testing TX COMMAND GROUP")));
     const Check *complete = Find(cut, "run complete");
     ASSERT_NE(complete, nullptr);
     EXPECT_FALSE(complete->passed);
     EXPECT_EQ(complete->message, "the transcript ends inside the run");
-    EXPECT_EQ(Find(cut, "device mode restored"), nullptr);
+    EXPECT_EQ(Find(cut, "device mode restored")->message, "not checked: the run's final Pop[ 0] is not in the transcript");
+    EXPECT_EQ(Find(cut, "GetTemperature: Temperature")->message, "not measured: Temperature (Other commands group, before line 235)");
+    EXPECT_EQ(cut.checks.size(), judged.checks.size());
+}
+
+// The closed world: whatever line of a healthy run the plan needs (a verdict,
+// a state, a measured value, an entry of a measured list), deleting it,
+// repeating it or spoiling its last word fails the unit. Only a refused
+// write's words are the device library's, and any words will do.
+TEST(ReportTest, EveryLineThePlanNeedsFailsTheUnitWhenMissingRepeatedOrSpoilt)
+{
+    const std::string healthy = Golden("healthy_run");
+    std::vector<std::string> lines;
+    for (const q7report::TimedLine &line : Lines(healthy))
+        lines.push_back(line.text);
+    const UnitRecord judged = Judge(healthy);
+    ASSERT_TRUE(judged.Passed());
+    std::map<size_t, bool> needed;  // line index, and whether its words are the library's
+    for (const Check &check : judged.checks) {
+        if (check.classname.rfind("automated.", 0) != 0)
+            continue;
+        size_t at = check.line - 1;
+        needed[at] = check.expectedError;
+        const q7report::ResultLine first = q7report::Classify(lines[at]).result;
+        if (first.kind == ResultLine::kListEntry || first.kind == ResultLine::kSpectrumRow)
+            while (at + 1 < lines.size() && q7report::Classify(lines[at + 1]).result.label == first.label)
+                needed[++at] = false;
+    }
+    ASSERT_GE(needed.size(), 150u);
+    auto judgeWith = [&](size_t at, const std::vector<std::string> &replacement) {
+        std::string text;
+        for (size_t i = 0; i < lines.size(); i++)
+            for (const std::string &line : i == at ? replacement : std::vector<std::string>{lines[i]})
+                text += line + "\n";
+        return Judge(text);
+    };
+    for (const auto &[at, libraryWords] : needed) {
+        const std::string &line = lines[at];
+        EXPECT_FALSE(judgeWith(at, {}).Passed()) << "deleted: " << line;
+        EXPECT_FALSE(judgeWith(at, {line, line}).Passed()) << "repeated: " << line;
+        std::string spoilt = q7report::TrimRight(line);
+        spoilt = spoilt.substr(0, spoilt.find_last_of(" \t=") + 1) + "x";
+        if (!libraryWords) {
+            EXPECT_FALSE(judgeWith(at, {spoilt}).Passed()) << "spoilt: " << spoilt;
+        }
+    }
 }
 
 TEST(ReportTest, ResultLinesGiveTheirValuesUnitsAndNamesAndNothingElse)
@@ -207,39 +253,73 @@ TEST(ReportTest, ResultLinesGiveTheirValuesUnitsAndNamesAndNothingElse)
 
 TEST(ReportTest, ValuesAreJudgedByTheirLimitsInclusiveAndInTheirUnit)
 {
-    std::string error;
-    std::optional<q7report::Limits> limits = q7report::Limits::Parse(
-        R"({"limits": {"Temperature": {"low": 30, "high": 45, "unit": "C"},
-                       "Tx Ext Attn Step": {"low": 0, "high": 40, "unit": "dB"}}})",
-        error);
-    ASSERT_TRUE(limits) << error;
+    // Temperature: limits 30 to 45 C, marginal band 32 to 42 C.
     struct Case {
         const char *lines;
-        const char *message;  // "" when within limits
+        const char *result;
+        const char *message;
     } cases[] = {
-        {"    Temperature = 45 C\n", ""},
-        {"    Temperature = 30 C\n", ""},
-        {"    Temperature = 46 C\n", "Temperature = 46 C is outside its limits 30 to 45 C"},
-        {"    Temperature = nan C\n", "Temperature = nan C is outside its limits 30 to 45 C"},
-        {"    Temperature = 33 F\n", "Temperature is in \"F\", its limits in \"C\""},
-        {"Tx Ext Attn Step[ 0] =  0.00 dB\nTx Ext Attn Step[ 1] = 41.00 dB\n\n",
+        {"    Temperature = 40 C\n", "PASS", ""},
+        {"    Temperature = 45 C\n", "MARGINAL",
+         "Temperature = 45 C is inside its limits 30 to 45 C but outside its marginal band 32 to 42 C"},
+        {"    Temperature = 30 C\n", "MARGINAL",
+         "Temperature = 30 C is inside its limits 30 to 45 C but outside its marginal band 32 to 42 C"},
+        {"    Temperature = 46 C\n", "FAIL", "Temperature = 46 C is outside its limits 30 to 45 C"},
+        {"    Temperature = nan C\n", "FAIL", "Temperature = nan C is outside its limits 30 to 45 C"},
+        {"    Temperature = 33 F\n", "FAIL", "Temperature is in \"F\", its limits in \"C\""},
+        {"Tx Ext Attn Step[ 0] =  0.00 dB\nTx Ext Attn Step[ 1] = 41.00 dB\n\n", "FAIL",
          "Tx Ext Attn Step[1] = 41 dB is outside its limits 0 to 40 dB"},
     };
     for (const Case &one : cases) {
         UnitRecord judged = Judge(std::string(kSessionStart) + "GetTemperature:\n" + one.lines +
-                                      "\nGetTemperature was SUCCESSFUL.\n\n******** Tx Commands ********\n",
-                                  *limits);
+                                  "\nGetTemperature was SUCCESSFUL.\n\n******** Tx Commands ********\n");
         ASSERT_EQ(judged.measurements.size(), 1u) << one.lines;
         const Check &check = judged.checks.at(0);
         EXPECT_EQ(check.message, one.message) << one.lines;
-        EXPECT_EQ(check.passed, *one.message == '\0') << one.lines;
+        EXPECT_EQ(check.passed, *one.result != 'F') << one.lines;
+        EXPECT_EQ(check.marginal, *one.result == 'M') << one.lines;
         EXPECT_EQ(judged.measurements[0].withinLimits, check.passed) << one.lines;
         EXPECT_EQ(check.name, "GetTemperature: " + judged.measurements[0].name);
     }
+}
 
-    for (const char *wrong : {"[]", "{\"limits\": {\"T\": {\"low\": 1, \"unit\": \"C\"}}}",
-                              "{\"limits\": {\"T\": {\"low\": 2, \"high\": 1, \"unit\": \"C\"}}}", "{\"limits\": 3"})
-        EXPECT_FALSE(q7report::Limits::Parse(wrong, error)) << wrong;
+// A product's table moves limits; it never switches one off by a typo.
+TEST(ReportTest, ALimitsTableGivesEveryPlannedQuantityItsLimitsOrIsRefused)
+{
+    const std::string plan = q7report::Limits::Default().Json();
+    std::string error;
+    std::optional<q7report::Limits> same = q7report::Limits::Parse(plan, error);
+    ASSERT_TRUE(same) << error;
+    EXPECT_EQ(same->Json(), plan);
+    auto with = [&](const std::string &from, const std::string &to) {
+        std::string table = plan;
+        size_t at = table.find(from);
+        EXPECT_NE(at, std::string::npos) << from;
+        return table.replace(at, from.size(), to);
+    };
+    std::string hotter = with("\"low\": 30.0,\n      \"high\": 45.0", "\"low\": 25.0,\n      \"high\": 60.0");
+    std::optional<q7report::Limits> moved = q7report::Limits::Parse(hotter, error);
+    ASSERT_TRUE(moved) << error;
+    EXPECT_EQ(moved->Find("Temperature")->high, 60);
+
+    struct Refusal {
+        std::string table;
+        const char *error;
+    } refusals[] = {
+        {with("\"Temperature\"", "\"Temprature\""), "\"Temprature\" is no quantity the automated run measures"},
+        {R"({"limits": {}})", "no limits for \"Temperature\""},
+        {with("\"unit\": \"C\",", ""), "\"Temperature\" needs its \"unit\""},
+        {with("\"unit\": \"C\"", "\"unit\": \"F\""), "\"Temperature\" is measured in \"C\", not \"F\""},
+        {with("\"high\": 45.0", "\"hihg\": 45.0"), "\"Temperature\" has a member \"hihg\" that limits do not have"},
+        {with("\"marginal_high\": 42.0", "\"marginal_high\": 46.0"), "\"Temperature\"'s marginal band is not inside its limits"},
+        {with("\"low\": 30.0", "\"low\": 50.0"), "\"Temperature\" has its low limit above its high one"},
+        {"[]", "no \"limits\" object"},
+        {"{\"limits\": 3", "not JSON"},
+    };
+    for (const Refusal &refusal : refusals) {
+        EXPECT_FALSE(q7report::Limits::Parse(refusal.table, error)) << refusal.error;
+        EXPECT_EQ(error, refusal.error);
+    }
 }
 
 TEST(ReportTest, TheUnitIsNamedAndEveryValueAndListRecordedOnce)
@@ -248,7 +328,7 @@ TEST(ReportTest, TheUnitIsNamedAndEveryValueAndListRecordedOnce)
     EXPECT_EQ(judged.Identity("mac_address"), "02:1A:C7:30:5E:81");
     EXPECT_EQ(judged.Identity("cal_date"), "24/03/18");
     EXPECT_EQ(judged.Identity("rf_chip_version"), "7135");
-    EXPECT_TRUE(judged.Simulated());
+    EXPECT_EQ(judged.Simulated(), true);
     EXPECT_EQ(q7report::UnitName(judged, {}), "02:1A:C7:30:5E:81");
     q7report::RunContext named;
     named.unit = "SN1042";
@@ -369,6 +449,9 @@ TEST(ReportTest, ATranscriptSavedWithCrLfIsJudgedLineForLine)
     EXPECT_EQ(crlf.measurements.size(), plain.measurements.size());
 }
 
+// Any bytes reach every file as text it can carry: JSON keeps a control
+// character, XML and HTML show its picture (U+2401 for 0x01), and a byte
+// that is no UTF-8 is U+FFFD everywhere.
 TEST(ReportTest, MarkupAndOddBytesInAnErrorTextReachEveryFileIntact)
 {
     UnitRecord judged = Judge(std::string(kSessionStart) +
@@ -380,15 +463,15 @@ TEST(ReportTest, MarkupAndOddBytesInAnErrorTextReachEveryFileIntact)
                                               ->FirstChildElement("testcase")
                                               ->FirstChildElement("failure");
     ASSERT_NE(failure, nullptr);
-    EXPECT_STREQ(failure->Attribute("message"), "ERROR: <a> & \"b\" </script> ??");
+    EXPECT_STREQ(failure->Attribute("message"), "ERROR: <a> & \"b\" </script> \u2401\ufffd");
 
     nlohmann::json record = nlohmann::json::parse(q7report::JsonDocument({judged}, {}));
-    EXPECT_EQ(record["units"][0]["checks"][0]["message"], "ERROR: <a> & \"b\" </script> ??");
+    EXPECT_EQ(record["units"][0]["checks"][0]["message"], "ERROR: <a> & \"b\" </script> \x01\ufffd");
 
     std::string page = q7report::HtmlPage({judged}, {}, "", "");
     EXPECT_EQ(page.find("<a>"), std::string::npos);
-    EXPECT_EQ(page.find("</script> ??"), std::string::npos);
-    EXPECT_NE(page.find("ERROR: &lt;a&gt; &amp; &quot;b&quot; &lt;/script&gt; ??"), std::string::npos);
+    EXPECT_EQ(page.find("</script> \u2401"), std::string::npos);
+    EXPECT_NE(page.find("ERROR: &lt;a&gt; &amp; &quot;b&quot; &lt;/script&gt; \u2401\ufffd"), std::string::npos);
 }
 
 }  // namespace
