@@ -217,6 +217,29 @@ history_rows() {
   history_query "PostgreSQL" "${uri%/q7cal}/query" "psql -q -v ON_ERROR_STOP=1 ${uri%/q7cal}/query"
 }
 
+# q7cal-report judges a batch unit by unit, writing every file as it goes:
+# its peak memory for a thousand units stays within a few MiB of one unit's.
+REPORT_BATCH=1000
+REPORT_MEMORY_GOAL_KIB=4096
+report_memory() {
+  mkdir -p "$work/batch"
+  local i
+  for ((i = 0; i < REPORT_BATCH; i++)); do
+    ln -sf "$PWD/$GOLDEN/healthy_run.in" "$work/batch/unit$i.log"
+  done
+  batch_kib() {
+    /usr/bin/time -f %M "$REPORT" --json="$work/batch.json" --junit="$work/batch.xml" --html="$work/batch.html" \
+      "$@" 2>&1 >/dev/null | tail -n 1
+  }
+  local one many
+  one=$(batch_kib "$work/batch/unit0.log")
+  many=$(batch_kib "$work/batch"/unit*.log)
+  row "q7cal-report peak RSS, 1 unit (KiB)" "$one" "-" "-"
+  row "q7cal-report peak RSS, $REPORT_BATCH units" "$many" "-" \
+    "< 1 unit + $REPORT_MEMORY_GOAL_KIB KiB: $(verdict "$many" "$((one + REPORT_MEMORY_GOAL_KIB))")"
+  rm -f "$work/batch.json" "$work/batch.xml" "$work/batch.html"
+}
+
 echo "q7cal bench: Release build, $(nproc) cores, medians of $RUNS runs"
 row "Measure" "q7cal" "Reference" "Goal"
 start_exit "CPU (ms)" cpu_ms
@@ -224,4 +247,5 @@ start_exit "peak RSS (KiB)" peak_kib
 sleep_excess
 flash2x_write_cpu
 automated_run_wall
+report_memory
 history_rows

@@ -242,7 +242,7 @@ void JsonWriter::Add(const UnitRecord &record)
 
 void JsonWriter::End(const BatchVerdict &verdict)
 {
-    out_ << (units_ == 0 ? "],\n" : "\n  ],\n") << "  \"verdict\": \"" << verdict.Word() << "\",\n  \"units_judged\": "
+    out_ << (units_ == 0 ? "],\n" : "\n  ],\n") << "  \"verdict\": \"" << verdict.Word() << "\",\n  \"unit_count\": "
          << verdict.Units() << "\n}\n";
 }
 

@@ -112,6 +112,25 @@ TEST(ReportTest, ACommandPassesOnlyWithItsGoodEndingAndNothingAmiss)
     EXPECT_EQ(Judge(kSessionStart + first + "89\n" + kNextMenu).checks[0].name, first);
 }
 
+// A store shown NOT VALID fails in any session, each state a check of its
+// own; the NVM mode test's states show what it does to the DSD buffer.
+TEST(ReportTest, AStoreShownNotValidFailsOutsideTheRunButInTheNvmModeTest)
+{
+    const std::string states = "    DSD checksum is  VALID\n         PHY checksum is NOT VALID\n";
+    const std::string nextMenu = "\n\n******** Test Commands ********\n";
+    UnitRecord byte = Judge(kSessionStart + std::string("AreDSDChecksumsValid:\n") + states +
+                            "\nAreDSDChecksumsValid was SUCCESSFUL.\n" + nextMenu);
+    ASSERT_NE(Find(byte, "AreDSDChecksumsValid: PHY checksum"), nullptr);
+    EXPECT_EQ(Find(byte, "AreDSDChecksumsValid: PHY checksum")->message, "PHY checksum is NOT VALID");
+    EXPECT_TRUE(Find(byte, "AreDSDChecksumsValid: DSD checksum")->passed);
+    EXPECT_FALSE(byte.Passed());
+    EXPECT_FALSE(byte.Simulated().has_value());  // no version report: the device is not identified
+    UnitRecord nvm = Judge(kSessionStart + std::string("Enter interface type (0=not MII; 1=MII): Running test\n") +
+                           states + "\nGetDSDChecksums was SUCCESSFUL.\n" + nextMenu);
+    EXPECT_TRUE(nvm.Passed());
+    EXPECT_EQ(nvm.checks.size(), 2u);  // the test, and the answers in step
+}
+
 TEST(ReportTest, TheRunEndsJudgedByItsFinalPopAndTheLineAfterIt)
 {
     std::string healthy = Golden("healthy_run");
