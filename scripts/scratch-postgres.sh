@@ -4,7 +4,8 @@
 # user (the server refuses root), with one database, q7cal.
 #   scratch-postgres.sh start DIR   prints the database's URI; status 1 when
 #                                   PostgreSQL is not installed, 2 when it
-#                                   does not start (its log on stderr)
+#                                   does not start (its log on stderr); a
+#                                   server stopped in DIR starts again
 #   scratch-postgres.sh stop DIR
 set -u
 action=$1
@@ -15,6 +16,14 @@ as_postgres() { if [ "$(id -u)" -eq 0 ]; then runuser -u postgres -- "$@"; else 
 
 if [ "$action" = stop ]; then
   as_postgres "$pgbin/pg_ctl" -D "$dir/data" -m immediate stop >/dev/null 2>&1
+  exit 0
+fi
+# A server stopped earlier starts again with its data, on its port.
+if [ -d "$dir/data" ]; then
+  port=$(cat "$dir/port")
+  as_postgres "$pgbin/pg_ctl" -D "$dir/data" -l "$dir/log" -w \
+    -o "-c listen_addresses=127.0.0.1 -p $port -k $dir -c fsync=on" start >/dev/null 2>&1 || { cat "$dir/log" >&2; exit 2; }
+  echo "postgresql://postgres@127.0.0.1:$port/q7cal"
   exit 0
 fi
 mkdir -p "$dir"
@@ -31,4 +40,5 @@ if ! { as_postgres "$pgbin/initdb" -D "$dir/data" -A trust -U postgres &&
   cat "$dir/log" >&2 2>/dev/null
   exit 2
 fi
+echo "$port" >"$dir/port"
 echo "postgresql://postgres@127.0.0.1:$port/q7cal"

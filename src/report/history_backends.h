@@ -13,8 +13,8 @@ namespace q7report {
 // How long a station waits for another one's write before it gives up.
 inline constexpr int kLockWaitSeconds = 5;
 
-std::unique_ptr<HistoryDatabase> OpenSqliteHistory(const std::string &path, std::string &error);
-std::unique_ptr<HistoryDatabase> OpenPostgresHistory(const std::string &uri, std::string &error);
+std::unique_ptr<HistoryDatabase> OpenSqliteHistory(const std::string &path, bool forReading, HistoryError &error);
+std::unique_ptr<HistoryDatabase> OpenPostgresHistory(const std::string &uri, HistoryError &error);
 
 }  // namespace q7report
 

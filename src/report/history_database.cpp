@@ -1,7 +1,10 @@
 #include "history_database.h"
 
+#include <unistd.h>
+
 #include <cmath>
 #include <cstdio>
+#include <ctime>
 
 #include "history_backends.h"
 #include "report_writers.h"
@@ -37,7 +40,32 @@ const Migration kMigrations[] = {
         " unit TEXT NOT NULL, value DOUBLE PRECISION, array_values TEXT, low DOUBLE PRECISION,"
         " high DOUBLE PRECISION, passed INTEGER, line INTEGER NOT NULL, PRIMARY KEY (run_id, position))",
     }},
+    {{
+        // Start times to the millisecond; runs ordered by start, then by the
+        // order they were appended (their key), never by verdict.
+        "UPDATE runs SET started = substr(started, 1, 19) || '.000Z' WHERE length(started) = 20",
+        "DROP INDEX runs_by_unit",
+        "ALTER TABLE runs ADD COLUMN marginal INTEGER NOT NULL DEFAULT 0",
+        "CREATE INDEX runs_by_unit ON runs (unit, started, id, station, passed, marginal)",
+        // A record's own ID: appended twice (from the spool), kept once.
+        "ALTER TABLE runs ADD COLUMN record_id TEXT",
+        "UPDATE runs SET record_id = 'schema-1-run-' || id",
+        "CREATE UNIQUE INDEX runs_by_record ON runs (record_id)",
+        // A transcript without the version report does not say whether the
+        // device was the simulated one.
+        "ALTER TABLE runs ADD COLUMN identified INTEGER NOT NULL DEFAULT 1",
+        "ALTER TABLE checks ADD COLUMN marginal INTEGER NOT NULL DEFAULT 0",
+    }},
 };
+
+const std::vector<const char *> kRunColumns = {"unit", "unit_id", "mac_address", "simulated", "identified", "station",
+                                               "operator", "hostname", "source", "started", "seconds", "passed",
+                                               "marginal", "report_version", "identity", "record_id"};
+// A check's and a measurement's rows, after the key of their run.
+const std::vector<const char *> kCheckColumns = {"run_id", "position", "class", "name", "passed", "marginal", "expected_error",
+                                                 "type", "message", "line", "at_seconds", "seconds"};
+const std::vector<const char *> kMeasurementColumns = {"run_id", "position", "name", "quantity", "class", "command", "unit",
+                                                       "value", "array_values", "low", "high", "passed", "line"};
 
 // Rows go in chunks of this many, one statement each: few round trips to a
 // server, few parameters to a statement.
@@ -72,7 +100,112 @@ std::string InsertStatement(const char *table, const std::vector<const char *> &
     return sql;
 }
 
+// An ID no other record of any station has: the host, the process, the moment and a count.
+std::string NewRecordId(const std::string &hostname)
+{
+    static unsigned long long count = 0;
+    timespec now{};
+    clock_gettime(CLOCK_REALTIME, &now);
+    return hostname + "/" + std::to_string(getpid()) + "/" + std::to_string(now.tv_sec) + "." +
+           std::to_string(now.tv_nsec) + "/" + std::to_string(++count);
+}
+
+nlohmann::json RowJson(const SqlRow &row)
+{
+    nlohmann::json json = nlohmann::json::array();
+    for (const SqlValue &value : row)
+        json.push_back(value ? nlohmann::json(*value) : nlohmann::json(nullptr));
+    return json;
+}
+
+std::optional<SqlRow> RowFromJson(const nlohmann::json &json, size_t columns)
+{
+    if (!json.is_array() || json.size() != columns)
+        return std::nullopt;
+    SqlRow row;
+    for (const nlohmann::json &value : json) {
+        if (!value.is_null() && !value.is_string())
+            return std::nullopt;
+        row.push_back(value.is_null() ? SqlValue() : SqlValue(value.get<std::string>()));
+    }
+    return row;
+}
+
 }  // namespace
+
+nlohmann::json HistoryEntry::Json() const
+{
+    nlohmann::json checkRows = nlohmann::json::array(), measurementRows = nlohmann::json::array();
+    for (const SqlRow &row : checks)
+        checkRows.push_back(RowJson(row));
+    for (const SqlRow &row : measurements)
+        measurementRows.push_back(RowJson(row));
+    return {{"record_id", recordId}, {"unit", unit}, {"run", RowJson(run)}, {"checks", checkRows},
+            {"measurements", measurementRows}};
+}
+
+std::optional<HistoryEntry> HistoryEntry::FromJson(const nlohmann::json &json)
+{
+    if (!json.is_object() || !json.contains("record_id") || !json["record_id"].is_string() || !json.contains("unit") ||
+        !json["unit"].is_string() || !json.contains("run") || !json.contains("checks") ||
+        !json["checks"].is_array() || !json.contains("measurements") || !json["measurements"].is_array())
+        return std::nullopt;
+    HistoryEntry entry;
+    entry.recordId = json["record_id"].get<std::string>();
+    entry.unit = json["unit"].get<std::string>();
+    std::optional<SqlRow> run = RowFromJson(json["run"], kRunColumns.size());
+    if (!run)
+        return std::nullopt;
+    entry.run = *run;
+    for (const auto &[rows, columns, json] : {std::tuple{&entry.checks, kCheckColumns.size(), &json["checks"]},
+                                              std::tuple{&entry.measurements, kMeasurementColumns.size(),
+                                                         &json["measurements"]}})
+        for (const nlohmann::json &row : *json) {
+            std::optional<SqlRow> read = RowFromJson(row, columns - 1);
+            if (!read)
+                return std::nullopt;
+            rows->push_back(*read);
+        }
+    return entry;
+}
+
+std::optional<HistoryEntry> MakeHistoryEntry(const UnitRecord &record, const RunContext &context)
+{
+    const std::string &mac = record.Identity("mac_address");
+    if (context.unit.empty() && mac.empty())
+        return std::nullopt;
+    HistoryEntry entry;
+    entry.recordId = NewRecordId(context.hostname);
+    entry.unit = UnitName(record, context);
+    nlohmann::ordered_json unit = UnitJson(record, context);
+    std::optional<bool> simulated = record.Simulated();
+    Totals totals = record.Count();
+    entry.run = {entry.unit, Text(context.unit), Text(mac), Flag(simulated.value_or(false)),
+                 Flag(simulated.has_value()), Text(context.station), Text(context.operatorName),
+                 context.hostname, record.source, UtcTime(record.startMs), Number(record.seconds),
+                 Flag(record.Passed()), Integer(static_cast<long long>(totals.marginal)), context.reportVersion,
+                 unit["unit"]["identity"].dump(-1, ' ', false, nlohmann::ordered_json::error_handler_t::replace),
+                 entry.recordId};
+    for (size_t i = 0; i < record.checks.size(); i++) {
+        const Check &check = record.checks[i];
+        entry.checks.push_back({Integer(static_cast<long long>(i)), check.classname, check.name, Flag(check.passed),
+                                Flag(check.marginal), Flag(check.expectedError), Text(check.type),
+                                Text(check.message), Integer(static_cast<long long>(check.line)), Number(check.at),
+                                Number(check.seconds)});
+    }
+    for (size_t i = 0; i < record.measurements.size(); i++) {
+        const Measurement &m = record.measurements[i];
+        nlohmann::json array = nlohmann::json::array();
+        for (double value : m.values)
+            array.push_back(std::isfinite(value) ? nlohmann::json(value) : nlohmann::json(nullptr));
+        entry.measurements.push_back(
+            {Integer(static_cast<long long>(i)), m.name, m.quantity, m.classname, m.command, m.unit,
+             m.isArray ? SqlValue() : Number(m.values.front()), m.isArray ? SqlValue(array.dump()) : SqlValue(),
+             m.limit ? Number(m.limit->low) : SqlValue(), m.limit ? Number(m.limit->high) : SqlValue(),
+             m.limit ? Flag(m.withinLimits) : SqlValue(), Integer(static_cast<long long>(m.line))});
+    }
+    return entry;
+}
 
 bool HistoryDatabase::Query(const std::string &sql, const std::vector<SqlValue> &parameters, std::vector<SqlRow> *rows,
                             std::string &error)
@@ -90,26 +223,40 @@ bool HistoryDatabase::Query(const std::string &sql, const std::vector<SqlValue> 
                  error);
 }
 
-std::unique_ptr<HistoryDatabase> HistoryDatabase::Open(const std::string &where, std::string &error)
+std::unique_ptr<HistoryDatabase> HistoryDatabase::Open(const std::string &where, bool forReading, HistoryError &error)
 {
     std::unique_ptr<HistoryDatabase> database = where.rfind("postgresql://", 0) == 0 || where.rfind("postgres://", 0) == 0
                                                     ? OpenPostgresHistory(where, error)
-                                                    : OpenSqliteHistory(where, error);
+                                                    : OpenSqliteHistory(where, forReading, error);
     if (!database)
         return nullptr;
-    // A history of the newest schema needs no lock to be used; any other
-    // is looked at, created or migrated by one station at a time.
+    // A history of the newest schema needs no lock to be used; any other is
+    // looked at, created or migrated by one station at a time, and a reader
+    // changes nothing.
     std::vector<SqlRow> version;
     std::string ignored;
-    if (database->Query("SELECT schema_version FROM q7cal_history", {}, &version, ignored) && version.size() == 1 &&
-        version[0][0] == std::to_string(kHistorySchemaVersion))
-        return database;
-    if (!database->BeginWriting(error))
-        return nullptr;
-    if (!database->Migrate(error) || !database->Commit(error)) {
-        database->Rollback();
+    bool newest = database->Query("SELECT schema_version FROM q7cal_history", {}, &version, ignored) &&
+                  version.size() == 1 && version[0][0] == std::to_string(kHistorySchemaVersion);
+    if (forReading && !newest) {
+        error.text = version.size() == 1 && version[0][0]
+                         ? "its schema version " + version[0][0].value_or("") + " is not this q7cal-report's (" +
+                               std::to_string(kHistorySchemaVersion) + "): append a unit to bring it up to date"
+                         : "it is not a q7cal-report history";
         return nullptr;
     }
+    if (!newest) {
+        if (!database->BeginWriting(error.text)) {
+            error.unreachable = database->WasLocked();
+            return nullptr;
+        }
+        if (!database->Migrate(error.text) || !database->Commit(error.text)) {
+            error.unreachable = database->WasLocked();
+            database->Rollback();
+            return nullptr;
+        }
+    }
+    if (!forReading && !database->Settle(error.text))
+        return nullptr;
     return database;
 }
 
@@ -148,60 +295,31 @@ bool HistoryDatabase::Migrate(std::string &error)
     return true;
 }
 
-bool HistoryDatabase::Append(const UnitRecord &record, const RunContext &context, std::string &error)
+bool HistoryDatabase::Append(const HistoryEntry &entry, HistoryError &error)
 {
-    if (!BeginWriting(error))
+    if (!BeginWriting(error.text)) {
+        error.unreachable = WasLocked();
         return false;
-    nlohmann::ordered_json unit = UnitJson(record, context);
+    }
     std::vector<SqlRow> ids;
-    bool written = Query("INSERT INTO runs (unit, unit_id, mac_address, simulated, station, operator, hostname, source,"
-                         " started, seconds, passed, report_version, identity)"
-                         " VALUES ($1, $2, $3, $4, $5, $6, $7, $8, $9, $10, $11, $12, $13) RETURNING id",
-                         {UnitName(record, context), Text(context.unit), Text(record.Identity("mac_address")),
-                          Flag(record.Simulated().value_or(false)), Text(context.station), Text(context.operatorName),
-                          context.hostname, record.source, IsoTime(record.start) + "Z", Number(record.seconds),
-                          Flag(record.Passed()), context.reportVersion, unit["unit"]["identity"].dump()},
-                         &ids, error);
-    written = written && ids.size() == 1 && ids[0][0];
-    const SqlValue runId = written ? ids[0][0] : SqlValue();
-
-    const std::vector<const char *> checkColumns = {"run_id", "position", "class",   "name",       "passed", "expected_error",
-                                                    "type",   "message",  "line",    "at_seconds", "seconds"};
-    for (size_t first = 0; written && first < record.checks.size(); first += kRowsPerStatement) {
-        size_t rows = std::min(kRowsPerStatement, record.checks.size() - first);
-        std::vector<SqlValue> values;
-        for (size_t i = first; i < first + rows; i++) {
-            const Check &check = record.checks[i];
-            values.insert(values.end(), {runId, Integer(static_cast<long long>(i)), check.classname, check.name,
-                                         Flag(check.passed), Flag(check.expectedError), Text(check.type),
-                                         Text(check.message), Integer(static_cast<long long>(check.line)),
-                                         Number(check.at), Number(check.seconds)});
+    bool written = Query(InsertStatement("runs", kRunColumns, 1) + " ON CONFLICT (record_id) DO NOTHING RETURNING id",
+                         entry.run, &ids, error.text);
+    // No key: the record is in the history already, from an earlier try.
+    const SqlValue runId = written && ids.size() == 1 ? ids[0][0] : SqlValue();
+    for (const auto &[table, columns, rows] : {std::tuple{"checks", &kCheckColumns, &entry.checks},
+                                               std::tuple{"measurements", &kMeasurementColumns, &entry.measurements}})
+        for (size_t first = 0; written && runId && first < rows->size(); first += kRowsPerStatement) {
+            size_t count = std::min(kRowsPerStatement, rows->size() - first);
+            std::vector<SqlValue> values;
+            for (size_t i = first; i < first + count; i++) {
+                values.push_back(runId);
+                values.insert(values.end(), (*rows)[i].begin(), (*rows)[i].end());
+            }
+            written = Query(InsertStatement(table, *columns, count), values, nullptr, error.text);
         }
-        written = Query(InsertStatement("checks", checkColumns, rows), values, nullptr, error);
-    }
-
-    const std::vector<const char *> measurementColumns = {"run_id",  "position", "name",         "quantity", "class",
-                                                          "command", "unit",     "value",        "array_values",
-                                                          "low",     "high",     "passed",       "line"};
-    for (size_t first = 0; written && first < record.measurements.size(); first += kRowsPerStatement) {
-        size_t rows = std::min(kRowsPerStatement, record.measurements.size() - first);
-        std::vector<SqlValue> values;
-        for (size_t i = first; i < first + rows; i++) {
-            const Measurement &m = record.measurements[i];
-            nlohmann::json array = nlohmann::json::array();
-            for (double value : m.values)
-                array.push_back(std::isfinite(value) ? nlohmann::json(value) : nlohmann::json(nullptr));
-            values.insert(values.end(),
-                          {runId, Integer(static_cast<long long>(i)), m.name, m.quantity, m.classname, m.command,
-                           m.unit, m.isArray ? SqlValue() : Number(m.values.front()),
-                           m.isArray ? SqlValue(array.dump()) : SqlValue(), m.limit ? Number(m.limit->low) : SqlValue(),
-                           m.limit ? Number(m.limit->high) : SqlValue(), m.limit ? Flag(m.withinLimits) : SqlValue(),
-                           Integer(static_cast<long long>(m.line))});
-        }
-        written = Query(InsertStatement("measurements", measurementColumns, rows), values, nullptr, error);
-    }
-    if (written && Commit(error))
+    if (written && Commit(error.text))
         return true;
+    error.unreachable = WasLocked();
     Rollback();
     return false;
 }

@@ -7,6 +7,7 @@
 
 #include <functional>
 #include <memory>
+#include <nlohmann/json.hpp>
 #include <optional>
 #include <string>
 #include <vector>
@@ -23,21 +24,49 @@ using RowVisitor = std::function<void(const std::vector<const char *> &row)>;
 
 // The schema this program writes and reads; a database of a newer one is
 // refused, an older one is brought up to it.
-inline constexpr int kHistorySchemaVersion = 1;
+inline constexpr int kHistorySchemaVersion = 2;
+
+// A unit's record as the history keeps it: its run, its checks and its
+// measurements as rows. Its ID is its own, so that a record appended twice
+// (from the spool, after a crash) is kept once.
+struct HistoryEntry {
+    std::string recordId;
+    std::string unit;  // the unit's name
+    SqlRow run;
+    std::vector<SqlRow> checks;
+    std::vector<SqlRow> measurements;
+
+    nlohmann::json Json() const;
+    static std::optional<HistoryEntry> FromJson(const nlohmann::json &json);
+};
+
+// The entry of a judged unit; nothing when the unit has no name to be kept
+// under (no --unit and no MAC address in its transcript).
+std::optional<HistoryEntry> MakeHistoryEntry(const UnitRecord &record, const RunContext &context);
+
+// Why a history could not be used: `unreachable` when it may work later (a
+// server that cannot be reached, a lock held past the wait, a folder that is
+// not there), so that a record waits for it.
+struct HistoryError {
+    std::string text;
+    bool unreachable = false;
+};
 
 class HistoryDatabase {
 public:
     // Opens the history at `where`: a PostgreSQL connection URI
-    // ("postgresql://..."), else an SQLite file, created on first use. The
-    // schema is created or brought up to date. Nothing, with `error` set,
-    // when it cannot be opened, is no history of ours, or is of a newer
-    // schema.
-    static std::unique_ptr<HistoryDatabase> Open(const std::string &where, std::string &error);
+    // ("postgresql://..."), else an SQLite file. To append, a file that does
+    // not exist is created, and the schema is created or brought up to date;
+    // to read, the history is opened read-only and must exist. Nothing, with
+    // `error` set, when it cannot be opened, is no history of ours (which is
+    // then left as it was), or is of a newer schema.
+    static std::unique_ptr<HistoryDatabase> Open(const std::string &where, bool forReading, HistoryError &error);
     virtual ~HistoryDatabase() = default;
 
-    // Appends the unit's record in one transaction: afterwards the unit is
-    // in the history whole, or (after an error) not at all.
-    bool Append(const UnitRecord &record, const RunContext &context, std::string &error);
+    // Appends the entry in one transaction: afterwards the unit is in the
+    // history whole, or (after an error) not at all. An entry already kept
+    // is not kept again.
+    bool Append(const HistoryEntry &entry, HistoryError &error);
 
     // Runs a statement of this program's own and hands each row to `visit`
     // (which may be empty); false with `error`.
@@ -53,6 +82,8 @@ protected:
     virtual bool BeginWriting(std::string &error) = 0;
     virtual bool Commit(std::string &error) = 0;
     virtual void Rollback() = 0;
+    // Whether the last failure was a lock held past the wait.
+    virtual bool WasLocked() const = 0;
     // The column type of a run's generated key.
     virtual const char *RunIdType() const = 0;
     // A statement that lists the database's tables, one name a row.
@@ -60,6 +91,8 @@ protected:
     // Keeps another station from creating or migrating the schema at the
     // same time, for the rest of the writing transaction.
     virtual bool LockSchema(std::string &error) = 0;
+    // Settings for a history found to be ours (SQLite's write-ahead log).
+    virtual bool Settle(std::string &error) = 0;
     // Brings the schema to kHistorySchemaVersion inside a writing
     // transaction; false with `error` for a database that is not ours.
     bool Migrate(std::string &error);

@@ -58,6 +58,7 @@ protected:
         std::string ignored;
         Run("ROLLBACK", ignored);
     }
+    bool WasLocked() const override { return locked_; }
     const char *RunIdType() const override { return "BIGSERIAL"; }
     const char *TablesStatement() const override
     {
@@ -65,6 +66,7 @@ protected:
     }
     // Any fixed key of this program's: only schema changes take it.
     bool LockSchema(std::string &error) override { return Run("SELECT pg_advisory_xact_lock(7213741)", error); }
+    bool Settle(std::string &) override { return true; }
 
 private:
     bool Succeeded(PGresult *result, std::string &error)
@@ -72,6 +74,9 @@ private:
         ExecStatusType status = PQresultStatus(result);
         if (status == PGRES_COMMAND_OK || status == PGRES_TUPLES_OK)
             return true;
+        // A lock held past the wait, or the server gone: the record can wait for it.
+        const char *state = result != nullptr ? PQresultErrorField(result, PG_DIAG_SQLSTATE) : nullptr;
+        locked_ = PQstatus(connection_) != CONNECTION_OK || (state != nullptr && std::string(state) == "55P03");
         error = FirstLine(result != nullptr ? PQresultErrorMessage(result) : PQerrorMessage(connection_));
         return false;
     }
@@ -85,15 +90,17 @@ private:
     }
 
     PGconn *connection_;
+    bool locked_ = false;
 };
 
 }  // namespace
 
-std::unique_ptr<HistoryDatabase> OpenPostgresHistory(const std::string &uri, std::string &error)
+std::unique_ptr<HistoryDatabase> OpenPostgresHistory(const std::string &uri, HistoryError &error)
 {
     PGconn *connection = PQconnectdb(uri.c_str());
     if (connection == nullptr || PQstatus(connection) != CONNECTION_OK) {
-        error = FirstLine(connection != nullptr ? PQerrorMessage(connection) : "out of memory");
+        error.text = FirstLine(connection != nullptr ? PQerrorMessage(connection) : "out of memory");
+        error.unreachable = connection != nullptr;
         PQfinish(connection);
         return nullptr;
     }

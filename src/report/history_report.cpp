@@ -12,31 +12,21 @@
 namespace q7report {
 namespace {
 
-// The runs of a span unit by unit in the order they started, for their
-// units' yields, and the failed checks of its runs counted by check, most
-// first. Over the whole history they come from an index alone each
-// (runs_by_unit, failed_checks), with no sort and no lookup, however many
-// runs there are; over a span, through its runs (runs_by_start).
-struct SpanStatements {
-    const char *runs;
-    const char *failures;
-};
-const SpanStatements kWholeHistory = {
-    "SELECT unit, COALESCE(station, '-'), substr(started, 1, 10), passed FROM runs ORDER BY unit, started",
-    "SELECT class, name, COUNT(*) FROM checks WHERE passed = 0 GROUP BY class, name ORDER BY 3 DESC, 1, 2 LIMIT 20",
-};
-const SpanStatements kSpan = {
-    "SELECT unit, COALESCE(station, '-'), substr(started, 1, 10), passed FROM runs"
-    " WHERE started >= $1 AND started <= $2 ORDER BY unit, started",
-    // "+run_id" keeps the key's own index out: the failures' index serves.
+// Every unit's runs up to the span's end, unit by unit in the order they
+// started and then were appended (never by verdict), from one index
+// (runs_by_unit) with no sort; and the failed checks of the span's runs
+// counted by check, most first, from theirs (failed_checks).
+const char kRunsStatement[] =
+    "SELECT unit, COALESCE(station, '-'), started, passed, marginal FROM runs WHERE started <= $1"
+    " ORDER BY unit, started, id";
+// "+run_id" keeps the key's own index out: the failures' index serves.
+const char kFailuresStatement[] =
     "SELECT class, name, COUNT(*) FROM checks"
     " WHERE passed = 0 AND +run_id IN (SELECT id FROM runs WHERE started >= $1 AND started <= $2)"
-    " GROUP BY class, name ORDER BY 3 DESC, 1, 2 LIMIT 20",
-};
-
+    " GROUP BY class, name ORDER BY 3 DESC, 1, 2 LIMIT 20";
 const char kUnitRunsStatement[] =
     "SELECT r.started, COALESCE(r.station, '-'), COALESCE(r.operator, '-'),"
-    " CASE WHEN r.passed = 1 THEN 'PASS' ELSE 'FAIL' END,"
+    " CASE WHEN r.passed = 1 THEN 'PASS' ELSE 'FAIL' END, r.marginal,"
     " (SELECT COUNT(*) FROM checks c WHERE c.run_id = r.id AND c.passed = 0),"
     " (SELECT c.class || ': ' || c.name FROM checks c WHERE c.run_id = r.id AND c.passed = 0"
     " ORDER BY c.position LIMIT 1)"
@@ -44,32 +34,72 @@ const char kUnitRunsStatement[] =
 
 long long Count(const SqlValue &value) { return value ? std::atoll(value->c_str()) : 0; }
 
-// A run as the yields need it: its station and day, and its verdict.
+// Days since 1970-01-01 of a civil date (proleptic Gregorian).
+long long DaysFromCivil(long long year, unsigned month, unsigned day)
+{
+    year -= month <= 2;
+    const long long era = (year >= 0 ? year : year - 399) / 400;
+    const unsigned yearOfEra = static_cast<unsigned>(year - era * 400);
+    const unsigned dayOfYear = (153 * (month + (month > 2 ? -3 : 9)) + 2) / 5 + day - 1;
+    const unsigned dayOfEra = yearOfEra * 365 + yearOfEra / 4 - yearOfEra / 100 + dayOfYear;
+    return era * 146097 + static_cast<long long>(dayOfEra) - 719468;
+}
+
+bool IsLeap(long long year) { return (year % 4 == 0 && year % 100 != 0) || year % 400 == 0; }
+
+unsigned DaysInMonth(long long year, unsigned month)
+{
+    static const unsigned kDays[] = {31, 28, 31, 30, 31, 30, 31, 31, 30, 31, 30, 31};
+    return month == 2 && IsLeap(year) ? 29 : kDays[month - 1];
+}
+
+// Reads `count` digits at `at` into `value`.
+bool Digits(const std::string &text, size_t &at, size_t count, long long &value)
+{
+    value = 0;
+    for (size_t end = at + count; at < end; at++) {
+        if (at >= text.size() || !std::isdigit(static_cast<unsigned char>(text[at])))
+            return false;
+        value = value * 10 + (text[at] - '0');
+    }
+    return true;
+}
+
+// A run as the figures need it: its station and start, and its verdict.
 struct Run {
     std::string station;
-    std::string day;
+    std::string started;  // "2026-11-24T09:41:07.250Z": sorts as text
     bool passed;
+    bool marginal;
 };
 
-// Adds a unit's runs (in the order they started) to the yields of the groups
-// they fall in: in a group, the unit counts once, passed first when its first
-// run there passed, and passed finally when its last run there did.
-void AddUnit(const std::vector<Run> &runs, const std::string Run::*group, std::map<std::string, Yield> &yields)
+// Adds a unit's runs of a group (all of them up to the span's end, in order)
+// to the group's figures over the span [since, until]; `first` is the unit's
+// first run ever, when the group has it: any other run is a retest.
+void Tally(const std::vector<const Run *> &runs, const Run *first, const std::string &since, const std::string &until,
+           Yield &yield)
 {
-    std::map<std::string, std::pair<const Run *, const Run *>> seen;  // the first and last run in each group
-    for (const Run &run : runs) {
-        auto entry = seen.try_emplace(group ? run.*group : std::string(), &run, &run).first;
-        entry->second.second = &run;
+    const Run *latest = nullptr;
+    long long inSpan = 0;
+    for (const Run *run : runs) {
+        if (run->started > until)
+            break;
+        latest = run;
+        if (run->started < since)
+            continue;
+        inSpan++;
+        yield.retests += run != first;
+        yield.marginal += run->passed && run->marginal;
     }
-    for (const auto &[key, first] : seen) {
-        Yield &yield = yields[key];
-        yield.group = key;
-        yield.units++;
-        yield.firstPassed += first.first->passed;
-        yield.finallyPassed += first.second->passed;
+    if (inSpan == 0)
+        return;
+    yield.units++;
+    yield.runs += inSpan;
+    yield.finallyPassed += latest->passed;
+    if (first != nullptr && first->started >= since && first->started <= until) {
+        yield.firstTested++;
+        yield.firstPassed += first->passed;
     }
-    for (const Run &run : runs)
-        yields[group ? run.*group : std::string()].runs++;
 }
 
 std::string Percent(long long part, long long whole)
@@ -81,6 +111,12 @@ std::string Percent(long long part, long long whole)
     return text;
 }
 
+nlohmann::ordered_json Share(long long part, long long whole)
+{
+    return whole == 0 ? nlohmann::ordered_json(nullptr)
+                      : nlohmann::ordered_json(static_cast<double>(part) / static_cast<double>(whole));
+}
+
 nlohmann::ordered_json YieldJson(const Yield &yield, const char *groupName)
 {
     nlohmann::ordered_json entry;
@@ -88,14 +124,13 @@ nlohmann::ordered_json YieldJson(const Yield &yield, const char *groupName)
         entry[groupName] = yield.group;
     entry["units"] = yield.units;
     entry["runs"] = yield.runs;
+    entry["retests"] = yield.retests;
+    entry["first_tested"] = yield.firstTested;
     entry["first_passed"] = yield.firstPassed;
     entry["finally_passed"] = yield.finallyPassed;
-    auto share = [&yield](long long part) {
-        return yield.units == 0 ? nlohmann::ordered_json(nullptr)
-                                : nlohmann::ordered_json(static_cast<double>(part) / static_cast<double>(yield.units));
-    };
-    entry["first_pass_yield"] = share(yield.firstPassed);
-    entry["final_yield"] = share(yield.finallyPassed);
+    entry["marginal_runs"] = yield.marginal;
+    entry["first_pass_yield"] = Share(yield.firstPassed, yield.firstTested);
+    entry["final_yield"] = Share(yield.finallyPassed, yield.units);
     return entry;
 }
 
@@ -105,77 +140,157 @@ std::string Span(const HistoryFilter &filter)
            (filter.until.empty() ? std::string("the last run") : filter.until);
 }
 
+// The span's ends in the form the history keeps its start times in.
+std::pair<std::string, std::string> SpanEnds(const HistoryFilter &filter)
+{
+    std::optional<long long> since = ParseHistoryTime(filter.since, false), until = ParseHistoryTime(filter.until, true);
+    return {since ? UtcTime(*since) : std::string("0"), until ? UtcTime(*until) : std::string("9999")};
+}
+
 void YieldTable(std::string &text, const char *title, const char *column, const std::vector<Yield> &yields)
 {
     char line[256];
     text += std::string("\n") + title + ":\n";
-    std::snprintf(line, sizeof line, "  %-20s %8s %8s %11s %9s\n", column, "Units", "Runs", "First-pass", "Final");
+    std::snprintf(line, sizeof line, "  %-20s %8s %8s %8s %11s %9s %9s\n", column, "Units", "Runs", "Retests",
+                  "First-pass", "Final", "Marginal");
     text += line;
     for (const Yield &yield : yields) {
-        std::snprintf(line, sizeof line, "  %-20s %8lld %8lld %11s %9s\n", yield.group.c_str(), yield.units,
-                      yield.runs, Percent(yield.firstPassed, yield.units).c_str(),
-                      Percent(yield.finallyPassed, yield.units).c_str());
+        if (yield.units == 0)
+            continue;
+        std::snprintf(line, sizeof line, "  %-20s %8lld %8lld %8lld %11s %9s %9lld\n", yield.group.c_str(),
+                      yield.units, yield.runs, yield.retests, Percent(yield.firstPassed, yield.firstTested).c_str(),
+                      Percent(yield.finallyPassed, yield.units).c_str(), yield.marginal);
         text += line;
     }
 }
 
+// The day after `day` ("YYYY-MM-DD").
+std::string NextDay(const std::string &day)
+{
+    std::optional<long long> start = ParseHistoryTime(day, false);
+    return start ? UtcTime(*start + 86400000).substr(0, 10) : "9999-12-31";
+}
+
 }  // namespace
 
-bool IsHistoryTime(const std::string &text)
+std::optional<long long> ParseHistoryTime(const std::string &text, bool end)
 {
-    const std::string shape = "dddd-dd-ddTdd:dd:dd";
-    if (text.size() != 10 && text.size() != shape.size())
-        return false;
-    for (size_t i = 0; i < text.size(); i++)
-        if (shape[i] == 'd' ? !std::isdigit(static_cast<unsigned char>(text[i])) : text[i] != shape[i])
-            return false;
-    return true;
+    long long year = 0, month = 0, day = 0, hour = 0, minute = 0, second = 0, millisecond = 0;
+    size_t at = 0;
+    if (!Digits(text, at, 4, year) || text[at++] != '-' || !Digits(text, at, 2, month) || text[at++] != '-' ||
+        !Digits(text, at, 2, day))
+        return std::nullopt;
+    if (month < 1 || month > 12 || day < 1 || day > DaysInMonth(year, static_cast<unsigned>(month)))
+        return std::nullopt;
+    long long unit = 86400000;  // how far an end reaches: the last unit given
+    long long offset = 0;
+    if (at < text.size()) {
+        if (text[at] != 'T' && text[at] != 't' && text[at] != ' ')
+            return std::nullopt;
+        at++;
+        if (!Digits(text, at, 2, hour) || text[at++] != ':' || !Digits(text, at, 2, minute) || hour > 23 ||
+            minute > 59)
+            return std::nullopt;
+        unit = 60000;
+        if (at < text.size() && text[at] == ':') {
+            at++;
+            if (!Digits(text, at, 2, second) || second > 59)
+                return std::nullopt;
+            unit = 1000;
+            if (at < text.size() && text[at] == '.') {
+                size_t first = ++at;
+                while (at < text.size() && std::isdigit(static_cast<unsigned char>(text[at])))
+                    at++;
+                if (at == first)
+                    return std::nullopt;
+                std::string fraction = (text.substr(first, at - first) + "00").substr(0, 3);
+                millisecond = std::atoll(fraction.c_str());
+                unit = 1;
+            }
+        }
+        if (at < text.size() && (text[at] == 'Z' || text[at] == 'z')) {
+            at++;
+        } else if (at < text.size() && (text[at] == '+' || text[at] == '-')) {
+            const long long sign = text[at++] == '-' ? -1 : 1;
+            long long hours = 0, minutes = 0;
+            if (!Digits(text, at, 2, hours))
+                return std::nullopt;
+            if (at < text.size() && text[at] == ':')
+                at++;
+            if (at < text.size() && !Digits(text, at, 2, minutes))
+                return std::nullopt;
+            if (hours > 23 || minutes > 59)
+                return std::nullopt;
+            offset = sign * (hours * 60 + minutes) * 60000;
+        }
+    }
+    if (at != text.size())
+        return std::nullopt;
+    long long time = DaysFromCivil(year, static_cast<unsigned>(month), static_cast<unsigned>(day)) * 86400000 +
+                     ((hour * 60 + minute) * 60 + second) * 1000 + millisecond - offset;
+    return end ? time + unit - 1 : time;
 }
 
 bool ReadHistory(HistoryDatabase &database, const HistoryFilter &filter, History &history, std::string &error)
 {
-    // Times are stored as "YYYY-MM-DDTHH:MM:SSZ", which sort as text; a day
-    // given as --until takes in the whole day.
-    const std::string until = filter.until.empty() ? "9999" : filter.until + (filter.until.size() == 10 ? "T99" : "Z");
-    std::vector<SqlValue> span = {filter.since.empty() ? "0" : filter.since, until};
+    const auto [since, until] = SpanEnds(filter);
+    std::vector<SqlValue> span = {since, until};
     if (!filter.unit.empty()) {
         span.push_back(filter.unit);
         return database.Query(kUnitRunsStatement, span, &history.unitRuns, error);
     }
-    // The runs come unit by unit, in the order they started.
-    std::map<std::string, Yield> total, stations, days;
+    // The runs come unit by unit, in order.
+    std::map<std::string, Yield> stations, days;
     std::string unit;
     std::vector<Run> runs;
     auto addUnit = [&] {
-        AddUnit(runs, nullptr, total);
-        AddUnit(runs, &Run::station, stations);
-        AddUnit(runs, &Run::day, days);
+        std::vector<const Run *> all;
+        std::map<std::string, std::vector<const Run *>> byStation;
+        for (const Run &run : runs) {
+            all.push_back(&run);
+            byStation[run.station].push_back(&run);
+        }
+        const Run *first = all.front();
+        Tally(all, first, since, until, history.total);
+        // A station's first attempts are the units' first runs made there.
+        for (const auto &[station, stationRuns] : byStation)
+            Tally(stationRuns, first->station == station ? first : nullptr, since, until, stations[station]);
+        std::string lastDay;
+        for (const Run &run : runs) {
+            std::string day = run.started.substr(0, 10);
+            if (run.started < since || day == lastDay)
+                continue;
+            lastDay = day;
+            Tally(all, first, std::max(since, day + "T00:00:00.000Z"), std::min(until, day + "T23:59:59.999Z"), days[day]);
+        }
         runs.clear();
     };
-    const bool whole = filter.since.empty() && filter.until.empty();
-    const SpanStatements &statements = whole ? kWholeHistory : kSpan;
-    if (whole)
-        span.clear();
-    bool read = database.Query(statements.runs, span,
+    bool read = database.Query(kRunsStatement, {until},
                                [&](const std::vector<const char *> &row) {
                                    if (!runs.empty() && unit != row[0])
                                        addUnit();
                                    unit = row[0];
-                                   runs.push_back({row[1], row[2], std::strcmp(row[3], "1") == 0});
+                                   runs.push_back({row[1], row[2], std::strcmp(row[3], "1") == 0,
+                                                   row[4] != nullptr && std::strcmp(row[4], "0") != 0});
                                },
                                error);
     if (!read)
         return false;
     if (!runs.empty())
         addUnit();
-    if (!total.empty())
-        history.total = total.begin()->second;
-    for (const auto &[key, yield] : stations)
+    for (auto &[station, yield] : stations) {
+        yield.group = station;
         history.stations.push_back(yield);
-    for (const auto &[key, yield] : days)
+    }
+    // Every day of the span's runs, a day without runs too: a gap, not a line across it.
+    for (std::string day = days.empty() ? "" : days.begin()->first; !day.empty() && day <= days.rbegin()->first;
+         day = NextDay(day)) {
+        Yield yield = days.count(day) ? days[day] : Yield();
+        yield.group = day;
         history.days.push_back(yield);
+    }
     std::vector<SqlRow> rows;
-    if (!database.Query(statements.failures, span, &rows, error))
+    if (!database.Query(kFailuresStatement, {since, until}, &rows, error))
         return false;
     for (const SqlRow &row : rows)
         history.failures.push_back({row[0].value_or(""), row[1].value_or(""), Count(row[2])});
@@ -189,29 +304,34 @@ std::string HistoryText(const History &history, const HistoryFilter &filter)
     if (!filter.unit.empty()) {
         text = "q7cal-report history of unit " + filter.unit + ", " + Span(filter) + ": " +
                std::to_string(history.unitRuns.size()) + " runs\n";
-        std::snprintf(line, sizeof line, "  %-21s %-12s %-16s %-7s %s\n", "Started (UTC)", "Station", "Operator",
+        std::snprintf(line, sizeof line, "  %-25s %-12s %-16s %-8s %s\n", "Started (UTC)", "Station", "Operator",
                       "Verdict", "Failed checks");
         text += line;
         for (const SqlRow &run : history.unitRuns) {
-            std::string failed = std::to_string(Count(run[4]));
-            if (run[5])
-                failed += " (first: " + *run[5] + ")";
-            std::snprintf(line, sizeof line, "  %-21s %-12s %-16s %-7s %s\n", run[0].value_or("").c_str(),
-                          run[1].value_or("").c_str(), run[2].value_or("").c_str(), run[3].value_or("").c_str(),
-                          failed.c_str());
+            std::string failed = std::to_string(Count(run[5]));
+            if (run[6])
+                failed += " (first: " + *run[6] + ")";
+            std::string verdict = run[3].value_or("");
+            if (verdict == "PASS" && Count(run[4]) > 0)
+                verdict = "MARGINAL";
+            std::snprintf(line, sizeof line, "  %-25s %-12s %-16s %-8s %s\n", run[0].value_or("").c_str(),
+                          run[1].value_or("").c_str(), run[2].value_or("").c_str(), verdict.c_str(), failed.c_str());
             text += line;
         }
         return text;
     }
     const Yield &total = history.total;
     text = "q7cal-report history, " + Span(filter) + "\n";
-    std::snprintf(line, sizeof line, "  Units tested      %lld, in %lld runs\n", total.units, total.runs);
+    std::snprintf(line, sizeof line, "  Units tested      %lld, in %lld runs, %lld of them retests\n", total.units,
+                  total.runs, total.retests);
     text += line;
-    std::snprintf(line, sizeof line, "  First-pass yield  %s (first run passed: %lld of %lld)\n",
-                  Percent(total.firstPassed, total.units).c_str(), total.firstPassed, total.units);
+    std::snprintf(line, sizeof line, "  First-pass yield  %s (first run passed: %lld of %lld first tested)\n",
+                  Percent(total.firstPassed, total.firstTested).c_str(), total.firstPassed, total.firstTested);
     text += line;
-    std::snprintf(line, sizeof line, "  Final yield       %s (last run passed: %lld of %lld)\n",
+    std::snprintf(line, sizeof line, "  Final yield       %s (latest run passed: %lld of %lld)\n",
                   Percent(total.finallyPassed, total.units).c_str(), total.finallyPassed, total.units);
+    text += line;
+    std::snprintf(line, sizeof line, "  Marginal passes   %lld runs\n", total.marginal);
     text += line;
     text += "\nFailures by check, the most first:\n";
     std::snprintf(line, sizeof line, "  %8s  %s\n", "Failures", "Check");
@@ -228,10 +348,13 @@ std::string HistoryText(const History &history, const HistoryFilter &filter)
 
 nlohmann::ordered_json HistoryJson(const History &history, const HistoryFilter &filter, const std::string &version)
 {
-    nlohmann::ordered_json document = {{"history_schema_version", 1},
+    auto textOrNull = [](const std::string &text) {
+        return text.empty() ? nlohmann::ordered_json(nullptr) : nlohmann::ordered_json(text);
+    };
+    nlohmann::ordered_json document = {{"history_schema_version", 2},
                                        {"report_version", version},
-                                       {"since", filter.since.empty() ? nlohmann::ordered_json(nullptr) : nlohmann::ordered_json(filter.since)},
-                                       {"until", filter.until.empty() ? nlohmann::ordered_json(nullptr) : nlohmann::ordered_json(filter.until)}};
+                                       {"since", textOrNull(filter.since)},
+                                       {"until", textOrNull(filter.until)}};
     if (!filter.unit.empty()) {
         document["unit"] = filter.unit;
         document["runs"] = nlohmann::ordered_json::array();
@@ -240,8 +363,9 @@ nlohmann::ordered_json HistoryJson(const History &history, const HistoryFilter &
                                         {"station", run[1].value_or("")},
                                         {"operator", run[2].value_or("")},
                                         {"verdict", run[3].value_or("")},
-                                        {"failed_checks", Count(run[4])},
-                                        {"first_failure", run[5] ? nlohmann::ordered_json(*run[5]) : nullptr}});
+                                        {"marginal_checks", Count(run[4])},
+                                        {"failed_checks", Count(run[5])},
+                                        {"first_failure", textOrNull(run[6].value_or(""))}});
         return document;
     }
     document["total"] = YieldJson(history.total, nullptr);
@@ -253,18 +377,67 @@ nlohmann::ordered_json HistoryJson(const History &history, const HistoryFilter &
         document["stations"].push_back(YieldJson(yield, "station"));
     document["days"] = nlohmann::ordered_json::array();
     for (const Yield &yield : history.days)
-        document["days"].push_back(YieldJson(yield, "day"));
+        if (yield.units > 0)
+            document["days"].push_back(YieldJson(yield, "day"));
     return document;
 }
+
+namespace {
+
+const char kPageStyle[] = R"css(
+body { font: 15px/1.4 system-ui, sans-serif; margin: 24px 32px; color: #1d2329; }
+h1 { font-size: 22px; } h2 { font-size: 17px; margin-top: 28px; }
+.figures { display: flex; gap: 40px; } .figure { font-size: 30px; font-weight: 700; }
+.graph { width: 760px; height: 300px; }
+table { border-collapse: collapse; } td, th { padding: 3px 14px 3px 0; text-align: left; }
+td.number, th.number { text-align: right; font-variant-numeric: tabular-nums; }
+.PASS { color: #17692f; } .FAIL { color: #b3261e; } .MARGINAL { color: #8a5a00; }
+)css";
+
+std::string PageHead(const std::string &title, const std::string &plotLibrary, const std::string &plotStyle)
+{
+    return "<!DOCTYPE html>\n<html lang=\"en\">\n<head>\n<meta charset=\"utf-8\">\n<title>" + HtmlEscape(title) +
+           "</title>\n<style>\n" + plotStyle + kPageStyle + "</style>\n<script>\n" + plotLibrary +
+           "\n</script>\n</head>\n<body>\n<h1>" + HtmlEscape(title) + "</h1>\n";
+}
+
+// One unit's runs, in order, with their verdicts and the checks that failed.
+std::string UnitPage(const History &history, const HistoryFilter &filter, const std::string &plotLibrary,
+                     const std::string &plotStyle)
+{
+    std::string page = PageHead("q7cal-report history of unit " + filter.unit + ", " + Span(filter), plotLibrary,
+                                plotStyle);
+    page += "<p id=\"runs\">" + std::to_string(history.unitRuns.size()) + " runs</p>\n"
+            "<table>\n<tr><th>Started (UTC)</th><th>Station</th><th>Operator</th><th>Verdict</th>"
+            "<th class=\"number\">Failed checks</th><th>First failed check</th></tr>\n";
+    for (const SqlRow &run : history.unitRuns) {
+        std::string verdict = run[3].value_or("");
+        if (verdict == "PASS" && Count(run[4]) > 0)
+            verdict = "MARGINAL";
+        page += "<tr><td>" + HtmlEscape(run[0].value_or("")) + "</td><td>" + HtmlEscape(run[1].value_or("")) +
+                "</td><td>" + HtmlEscape(run[2].value_or("")) + "</td><td class=\"" + verdict + "\">" + verdict +
+                "</td><td class=\"number\">" + std::to_string(Count(run[5])) + "</td><td>" +
+                HtmlEscape(run[6].value_or("")) + "</td></tr>\n";
+    }
+    return page + "</table>\n</body>\n</html>\n";
+}
+
+}  // namespace
 
 std::string HistoryPage(const History &history, const HistoryFilter &filter, const std::string &plotLibrary,
                         const std::string &plotStyle)
 {
+    if (!filter.unit.empty())
+        return UnitPage(history, filter, plotLibrary, plotStyle);
+    // A day without runs has no yield: a gap in the lines.
     nlohmann::ordered_json days = nlohmann::ordered_json::array();
     for (const Yield &day : history.days)
-        if (day.units > 0)
-            days.push_back({day.group, 100.0 * static_cast<double>(day.firstPassed) / static_cast<double>(day.units),
-                            100.0 * static_cast<double>(day.finallyPassed) / static_cast<double>(day.units)});
+        days.push_back({day.group, day.firstTested ? nlohmann::ordered_json(100.0 * static_cast<double>(day.firstPassed) /
+                                                                            static_cast<double>(day.firstTested))
+                                                   : nlohmann::ordered_json(nullptr),
+                        day.units ? nlohmann::ordered_json(100.0 * static_cast<double>(day.finallyPassed) /
+                                                           static_cast<double>(day.units))
+                                  : nlohmann::ordered_json(nullptr)});
     nlohmann::ordered_json pareto = nlohmann::ordered_json::array();
     long long all = 0, cumulative = 0;
     for (const CheckFailures &check : history.failures)
@@ -278,34 +451,38 @@ std::string HistoryPage(const History &history, const HistoryFilter &filter, con
                 std::to_string(check.failures) + "</td><td>" + HtmlEscape(check.classname + ": " + check.name) +
                 "</td></tr>\n";
     }
+    std::string stations;
+    for (const Yield &station : history.stations)
+        stations += "<tr><td>" + HtmlEscape(station.group) + "</td><td class=\"number\">" +
+                    std::to_string(station.units) + "</td><td class=\"number\">" + std::to_string(station.runs) +
+                    "</td><td class=\"number\">" + std::to_string(station.retests) + "</td><td class=\"number\">" +
+                    Percent(station.firstPassed, station.firstTested) + "</td><td class=\"number\">" +
+                    Percent(station.finallyPassed, station.units) + "</td><td class=\"number\">" +
+                    std::to_string(station.marginal) + "</td></tr>\n";
     std::string data = ScriptJson({{"days", days}, {"pareto", pareto}});
 
     const Yield &total = history.total;
-    std::string page = "<!DOCTYPE html>\n<html lang=\"en\">\n<head>\n<meta charset=\"utf-8\">\n"
-                       "<title>q7cal-report history</title>\n<style>\n" +
-                       plotStyle + R"css(
-body { font: 15px/1.4 system-ui, sans-serif; margin: 24px 32px; color: #1d2329; }
-h1 { font-size: 22px; } h2 { font-size: 17px; margin-top: 28px; }
-.figures { display: flex; gap: 40px; } .figure { font-size: 30px; font-weight: 700; }
-.graph { width: 760px; height: 300px; }
-table { border-collapse: collapse; } td, th { padding: 3px 14px 3px 0; text-align: left; }
-td.number { text-align: right; font-variant-numeric: tabular-nums; }
-)css" + "</style>\n<script>\n" + plotLibrary +
-                       "\n</script>\n</head>\n<body>\n<h1>q7cal-report history, " + HtmlEscape(Span(filter)) +
-                       "</h1>\n<div class=\"figures\">\n<div><div class=\"figure\" id=\"units\">" +
-                       std::to_string(total.units) + "</div>units tested</div>\n<div><div class=\"figure\" "
-                       "id=\"first-pass\">" + Percent(total.firstPassed, total.units) +
-                       "</div>first-pass yield</div>\n<div><div class=\"figure\" id=\"final\">" +
-                       Percent(total.finallyPassed, total.units) + "</div>final yield</div>\n</div>\n"
-                       "<h2>Yield over time</h2>\n<div class=\"graph\" id=\"yield\"></div>\n"
-                       "<h2>Failures by check</h2>\n<div class=\"graph\" id=\"pareto\"></div>\n"
-                       "<table>\n<tr><th>Rank</th><th>Failures</th><th>Check</th></tr>\n" +
-                       rows + "</table>\n<script>\nconst data = " + data + R"js(;
+    std::string page = PageHead("q7cal-report history, " + Span(filter), plotLibrary, plotStyle);
+    page += "<div class=\"figures\">\n<div><div class=\"figure\" id=\"units\">" + std::to_string(total.units) +
+            "</div>units tested</div>\n<div><div class=\"figure\" id=\"first-pass\">" +
+            Percent(total.firstPassed, total.firstTested) +
+            "</div>first-pass yield</div>\n<div><div class=\"figure\" id=\"final\">" +
+            Percent(total.finallyPassed, total.units) + "</div>final yield</div>\n<div><div class=\"figure\" "
+            "id=\"retests\">" + std::to_string(total.retests) + "</div>retests</div>\n<div><div class=\"figure\" "
+            "id=\"marginal\">" + std::to_string(total.marginal) + "</div>marginal passes</div>\n</div>\n"
+            "<h2>Yield per day</h2>\n<div class=\"graph\" id=\"yield\"></div>\n"
+            "<h2>By station</h2>\n<table id=\"stations\">\n<tr><th>Station</th><th class=\"number\">Units</th>"
+            "<th class=\"number\">Runs</th><th class=\"number\">Retests</th><th class=\"number\">First-pass</th>"
+            "<th class=\"number\">Final</th><th class=\"number\">Marginal</th></tr>\n" + stations + "</table>\n"
+            "<h2>Failures by check</h2>\n<div class=\"graph\" id=\"pareto\"></div>\n"
+            "<table>\n<tr><th>Rank</th><th>Failures</th><th>Check</th></tr>\n" + rows + "</table>\n"
+            "<script>\nconst data = " + data + R"js(;
 new Dygraph(document.getElementById('yield'), data.days.map(d => [new Date(d[0] + 'T00:00:00Z'), d[1], d[2]]), {
-  labels: ['day', 'first-pass yield %', 'final yield %'], ylabel: '%', valueRange: [0, 102],
+  labels: ['day', 'first-pass yield %', 'final yield %'], ylabel: '%', valueRange: [0, 105],
   drawPoints: true, strokeWidth: 2, colors: ['#c26a00', '#1e8e3e'], legend: 'always'
 });
-// The failures as bars, largest first, with their cumulative share as a line.
+// The failures as bars, largest first, with their cumulative share as a line
+// on an axis of its own, 0 to 100 %.
 function bars(e) {
   const pen = e.drawingContext, bottom = e.dygraph.toDomYCoord(0);
   let width = 40;
@@ -314,10 +491,12 @@ function bars(e) {
   pen.fillStyle = e.color;
   for (const p of e.points) pen.fillRect(p.canvasx - width / 2, p.canvasy, width, bottom - p.canvasy);
 }
+const percentTicks = () => [0, 20, 40, 60, 80, 100].map(v => ({v: v, label: v + ' %'}));
 new Dygraph(document.getElementById('pareto'), data.pareto, {
   labels: ['rank', 'failures', 'cumulative %'], xlabel: 'check (rank)', ylabel: 'failures', y2label: '%',
   series: {'failures': {plotter: bars}, 'cumulative %': {axis: 'y2', drawPoints: true}},
-  axes: {x: {axisLabelFormatter: x => Number.isInteger(x) ? String(x) : ''}, y2: {valueRange: [0, 102]}},
+  axes: {x: {axisLabelFormatter: x => Number.isInteger(x) ? String(x) : ''},
+         y2: {valueRange: [0, 105], independentTicks: true, ticker: percentTicks}},
   includeZero: true, colors: ['#c5221f', '#1a73e8'], legend: 'always', dateWindow: [0.3, data.pareto.length + 0.7]
 });
 </script>

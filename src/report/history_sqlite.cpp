@@ -1,5 +1,9 @@
 #include <sqlite3.h>
+#include <sys/stat.h>
 
+#include <cerrno>
+#include <cstdio>
+#include <cstring>
 #include <map>
 
 #include "history_backends.h"
@@ -7,9 +11,7 @@
 namespace q7report {
 namespace {
 
-// A station's history in one SQLite file: written ahead through its log
-// (WAL), each commit on the disk before it returns, so that a crash or a
-// full disk leaves a transaction whole or absent.
+// A station's history in one SQLite file.
 class SqliteHistory : public HistoryDatabase {
 public:
     explicit SqliteHistory(sqlite3 *database) : database_(database) {}
@@ -54,18 +56,24 @@ protected:
         std::string ignored;
         Run("ROLLBACK", ignored);
     }
+    bool WasLocked() const override { return locked_; }
     const char *RunIdType() const override { return "INTEGER"; }  // SQLite's own row key
     const char *TablesStatement() const override
     {
         return "SELECT name FROM sqlite_master WHERE type = 'table' AND name NOT LIKE 'sqlite%'";
     }
     bool LockSchema(std::string &) override { return true; }  // BEGIN IMMEDIATE holds the only writer's lock
+    // Written ahead through its log (WAL), each commit on the disk before it
+    // returns, so that a crash or a full disk leaves a transaction whole or
+    // absent. Only a history found to be ours is switched to it.
+    bool Settle(std::string &error) override { return Run("PRAGMA journal_mode = WAL", error); }
 
 private:
     // False with `error` saying why, in words a station's engineer reads.
     bool Failed(int code, std::string &error)
     {
-        if (code == SQLITE_BUSY || code == SQLITE_LOCKED)
+        locked_ = code == SQLITE_BUSY || code == SQLITE_LOCKED;
+        if (locked_)
             error = "it is locked by another station's write (waited " + std::to_string(kLockWaitSeconds) + " s)";
         else
             error = sqlite3_errmsg(database_);
@@ -98,22 +106,64 @@ private:
 
     sqlite3 *database_;
     std::map<std::string, sqlite3_stmt *> statements_;
+    bool locked_ = false;
 };
 
 }  // namespace
 
-std::unique_ptr<HistoryDatabase> OpenSqliteHistory(const std::string &path, std::string &error)
+namespace {
+
+// "file:PATH?immutable=1": the file as it stands, with no lock and no log,
+// for a reader who may not write beside it.
+std::string ImmutableUri(const std::string &path)
 {
+    std::string uri = "file:";
+    for (char c : path) {
+        if (c == '?' || c == '#' || c == '%') {
+            char escaped[4];
+            std::snprintf(escaped, sizeof escaped, "%%%02X", static_cast<unsigned char>(c));
+            uri += escaped;
+        } else {
+            uri += c;
+        }
+    }
+    return uri + "?immutable=1";
+}
+
+}  // namespace
+
+std::unique_ptr<HistoryDatabase> OpenSqliteHistory(const std::string &path, bool forReading, HistoryError &error)
+{
+    // A history to read must be there: a mistyped name is no empty history.
+    struct stat info {};
+    if (forReading && stat(path.c_str(), &info) != 0) {
+        error.text = std::strerror(errno);
+        return nullptr;
+    }
     sqlite3 *database = nullptr;
-    if (sqlite3_open_v2(path.c_str(), &database, SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE, nullptr) != SQLITE_OK) {
-        error = database != nullptr ? sqlite3_errmsg(database) : "out of memory";
+    int flags = forReading ? SQLITE_OPEN_READONLY : SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE;
+    int code = sqlite3_open_v2(path.c_str(), &database, flags, nullptr);
+    // Reading a history kept with its write-ahead log takes a shared-memory
+    // file beside it; where the reader may not make one and no log is
+    // pending (the last writer has closed), the file alone is the history.
+    struct stat log {};
+    if (code == SQLITE_OK && forReading &&
+        sqlite3_exec(database, "SELECT 1 FROM sqlite_master LIMIT 1", nullptr, nullptr, nullptr) == SQLITE_READONLY &&
+        (stat((path + "-wal").c_str(), &log) != 0 || log.st_size == 0)) {
+        sqlite3_close(database);
+        database = nullptr;
+        code = sqlite3_open_v2(ImmutableUri(path).c_str(), &database, SQLITE_OPEN_READONLY | SQLITE_OPEN_URI, nullptr);
+    }
+    if (code != SQLITE_OK) {
+        error.text = database != nullptr ? sqlite3_errmsg(database) : "out of memory";
+        error.unreachable = code == SQLITE_CANTOPEN;  // its folder is not there (yet)
         sqlite3_close(database);
         return nullptr;
     }
     sqlite3_busy_timeout(database, kLockWaitSeconds * 1000);
     auto history = std::make_unique<SqliteHistory>(database);
-    for (const char *setting : {"PRAGMA journal_mode = WAL", "PRAGMA synchronous = FULL", "PRAGMA foreign_keys = ON"})
-        if (!history->Query(setting, {}, nullptr, error))
+    for (const char *setting : {"PRAGMA synchronous = FULL", "PRAGMA foreign_keys = ON"})
+        if (!history->Query(setting, {}, nullptr, error.text))
             return nullptr;
     return history;
 }

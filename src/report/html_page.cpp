@@ -87,7 +87,7 @@ void Identity(std::string &page, const UnitRecord &record, const RunContext &con
     row("Station", context.station);
     row("Operator", context.operatorName);
     row("Host", context.hostname);
-    row("Started (UTC)", IsoTime(record.start));
+    row("Started (UTC)", IsoTime(record.startMs));
     row("Duration", Number(record.seconds) + " s");
     row("Transcript", record.source);
     for (size_t i = 0; i < kIdentityFieldCount; i++)

@@ -32,6 +32,15 @@ bool ReadWholeFile(const std::string &path, std::string &text)
     return static_cast<bool>(in);
 }
 
+long long Milliseconds(const timespec &time) { return static_cast<long long>(time.tv_sec) * 1000 + time.tv_nsec / 1000000; }
+
+long long NowMs()
+{
+    timespec now{};
+    clock_gettime(CLOCK_REALTIME, &now);
+    return Milliseconds(now);
+}
+
 double SecondsSince(const timespec &first)
 {
     timespec now{};
@@ -104,7 +113,7 @@ UnitRecord JudgeInput(const std::string &name, const Limits &limits)
         return Unjudged(source, "cannot read " + name + ": " + std::strerror(error));
     }
     const bool timed = !S_ISREG(info.st_mode);
-    std::time_t start = timed ? std::time(nullptr) : info.st_mtime;
+    long long start = timed ? NowMs() : Milliseconds(info.st_mtim);
     TranscriptReader reader(limits);
     timespec first{};
     bool anyLine = false;
@@ -121,7 +130,7 @@ UnitRecord JudgeInput(const std::string &name, const Limits &limits)
         if (timed) {
             if (!anyLine) {
                 clock_gettime(CLOCK_MONOTONIC, &first);
-                start = std::time(nullptr);
+                start = NowMs();
             }
             at = SecondsSince(first);
         }
@@ -137,10 +146,10 @@ UnitRecord JudgeInput(const std::string &name, const Limits &limits)
     UnitRecord record = reader.Finish();
     record.source = source;
     record.timed = timed;
-    record.start = start;
+    record.startMs = start;
     if (!record.isSession) {
         UnitRecord unjudged = Unjudged(source, source + " is not a q7cal transcript");
-        unjudged.start = start;
+        unjudged.startMs = start;
         unjudged.timed = timed;
         return unjudged;
     }

@@ -13,6 +13,7 @@
 
 #include "history_database.h"
 #include "history_report.h"
+#include "history_spool.h"
 #include "report_files.h"
 #include "report_options.h"
 #include "report_writers.h"
@@ -33,19 +34,14 @@ std::string Shown(const std::string &where)
     return where.substr(0, colon) + where.substr(at);
 }
 
-std::unique_ptr<HistoryDatabase> OpenHistory(const std::string &where)
-{
-    std::string error;
-    std::unique_ptr<HistoryDatabase> database = HistoryDatabase::Open(where, error);
-    if (!database)
-        std::fprintf(stderr, "q7cal-report: cannot use the history %s: %s\n", Shown(where).c_str(), error.c_str());
-    return database;
-}
-
 // --history: what the history holds, as text, and as JSON and a page.
 int SayHistory(const Options &options)
 {
-    std::unique_ptr<HistoryDatabase> database = OpenHistory(options.database);
+    HistoryError opening;
+    std::unique_ptr<HistoryDatabase> database = HistoryDatabase::Open(options.database, true, opening);
+    if (!database)
+        std::fprintf(stderr, "q7cal-report: cannot read the history %s: %s\n", Shown(options.database).c_str(),
+                     opening.text.c_str());
     HistoryFilter filter{options.since, options.until, options.context.unit};
     History history;
     std::string error, plotLibrary, plotStyle;
@@ -148,6 +144,53 @@ bool FilesAreApart(const Options &options)
     return OutputsAreApart(outputs, inputs);
 }
 
+// The records for the history, kept in the spool until the history has them
+// (or in memory, for one that could not be spooled).
+struct HistoryRecords {
+    HistorySpool spool;
+    std::vector<HistoryEntry> unspooled;
+};
+
+// A unit's record goes towards the history; false when it cannot be kept.
+bool KeepRecord(const UnitRecord &record, const Options &options, HistoryRecords &history)
+{
+    std::optional<HistoryEntry> entry = MakeHistoryEntry(record, options.context);
+    if (!entry) {
+        std::fprintf(stderr,
+                     "q7cal-report: the unit of %s has no name (no --unit, and no MAC address in its transcript): "
+                     "name it with --unit to keep it in the history\n",
+                     record.source.c_str());
+        return false;
+    }
+    if (!history.spool.Put(*entry, Shown(options.database)))
+        history.unspooled.push_back(std::move(*entry));
+    return true;
+}
+
+// Appends every record waiting for the history: those of earlier runs first.
+bool StoreHistory(const Options &options, HistoryRecords &records)
+{
+    const std::string shown = Shown(options.database);
+    HistoryError error;
+    size_t appended = 0;
+    std::unique_ptr<HistoryDatabase> database = HistoryDatabase::Open(options.database, false, error);
+    bool stored = database && records.spool.Flush(*database, shown, appended, error);
+    for (size_t i = 0; stored && i < records.unspooled.size(); i++)
+        stored = database->Append(records.unspooled[i], error);
+    if (stored)
+        return true;
+    size_t waiting = records.spool.Waiting(shown).size();
+    std::fprintf(stderr, "q7cal-report: %s the history %s: %s%s", error.unreachable ? "cannot reach" : "cannot use",
+                 shown.c_str(), error.text.c_str(), waiting == 0 ? "\n" : "; ");
+    if (waiting > 0)
+        std::fprintf(stderr, "%zu %s in the spool %s, to be appended by the next run that reaches it (or --flush)\n",
+                     waiting, waiting == 1 ? "record waits" : "records wait", records.spool.Folder().c_str());
+    if (records.unspooled.size() > 0)
+        std::fprintf(stderr, "q7cal-report: %zu %s not kept: neither spooled nor appended\n", records.unspooled.size(),
+                     records.unspooled.size() == 1 ? "record is" : "records are");
+    return false;
+}
+
 int JudgeUnits(Options &options)
 {
     RunContext &context = options.context;
@@ -162,10 +205,9 @@ int JudgeUnits(Options &options)
     if (!FilesAreApart(options) || (!options.htmlFile.empty() && !ReadPlotLibrary(plotLibrary, plotStyle)))
         return kTrouble;
     context.hostname = HostName();
-    // A history that cannot take the units is said before any is judged.
-    std::unique_ptr<HistoryDatabase> history;
-    if (!options.database.empty() && !(history = OpenHistory(options.database)))
-        return kTrouble;
+    HistoryRecords history{HistorySpool(options.spoolFolder.empty() ? DefaultSpoolFolder() : options.spoolFolder), {}};
+    if (options.flush)
+        return StoreHistory(options, history) ? kAllPassed : kTrouble;
     ReportFiles files(options, plotLibrary, plotStyle);
     if (!files.Opened())
         return kTrouble;
@@ -188,17 +230,17 @@ int JudgeUnits(Options &options)
         std::fputs(SummaryLine(record, context).c_str(), summaries);
         if (status == kAllPassed && !record.Passed())
             status = kSomethingFailed;
-        std::string error;
-        if (history && !history->Append(record, context, error)) {
-            std::fprintf(stderr, "q7cal-report: %s was not added to the history %s: %s\n",
-                         UnitName(record, context).c_str(), Shown(options.database).c_str(), error.c_str());
+        if (!options.database.empty() && !KeepRecord(record, options, history))
             status = kTrouble;
-        }
         files.Add(record);
     }
     if (!files.Commit())
         status = kTrouble;
     if (std::fflush(stdout) != 0)
+        status = kTrouble;
+    // The history last: whatever happens to it, every unit has been judged
+    // and its files written, and its record waits in the spool.
+    if (!options.database.empty() && !StoreHistory(options, history))
         status = kTrouble;
     return status;
 }

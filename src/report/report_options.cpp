@@ -45,8 +45,13 @@ const char kHelp[] =
     "                    units tested, first-pass and final yield, the checks\n"
     "                    that fail most, per station and per day; with --unit,\n"
     "                    that unit's runs; --json and --html write it too\n"
-    "  --since=DAY, --until=DAY  the history's span, both days inclusive\n"
-    "                    (YYYY-MM-DD, or a UTC time YYYY-MM-DDTHH:MM:SS)\n"
+    "  --since=TIME, --until=TIME  the history's span, both ends inclusive: a\n"
+    "                    day YYYY-MM-DD (--until takes in the whole day) or a\n"
+    "                    time YYYY-MM-DDTHH:MM[:SS[.mmm]], in UTC, or with Z or\n"
+    "                    an offset such as +01:00\n"
+    "  --spool=DIR       where records wait while the history cannot be\n"
+    "                    reached (default ~/.local/state/q7cal-report/spool)\n"
+    "  --flush           append the records waiting for --db, and exit\n"
     "  -h, --help        show this help and exit\n"
     "  -V, --version     show the version and exit\n"
     "\n"
@@ -59,7 +64,8 @@ const char kHelp[] =
     "         q7cal-report --history --db=station.db --since=2026-11-01\n";
 
 enum LongOption {
-    kUnit = 256, kStation, kOperator, kLimits, kPrintLimits, kJunit, kJson, kHtml, kDb, kHistory, kSince, kUntil
+    kUnit = 256, kStation, kOperator, kLimits, kPrintLimits, kJunit, kJson, kHtml, kDb, kSpool, kFlush, kHistory,
+    kSince, kUntil
 };
 const struct option kOptions[] = {
     {"unit", required_argument, nullptr, kUnit},         {"station", required_argument, nullptr, kStation},
@@ -67,10 +73,19 @@ const struct option kOptions[] = {
     {"print-limits", no_argument, nullptr, kPrintLimits},
     {"junit", required_argument, nullptr, kJunit},       {"json", required_argument, nullptr, kJson},
     {"html", required_argument, nullptr, kHtml},         {"db", required_argument, nullptr, kDb},
+    {"spool", required_argument, nullptr, kSpool},       {"flush", no_argument, nullptr, kFlush},
     {"history", no_argument, nullptr, kHistory},         {"since", required_argument, nullptr, kSince},
     {"until", required_argument, nullptr, kUntil},       {"help", no_argument, nullptr, 'h'},
     {"version", no_argument, nullptr, 'V'},              {nullptr, 0, nullptr, 0},
 };
+
+// A value that cannot be taken: said in one line.
+std::optional<Options> Refused(const std::string &what, int &status)
+{
+    std::fprintf(stderr, "q7cal-report: %s\n", what.c_str());
+    status = kTrouble;
+    return std::nullopt;
+}
 
 // `what` empty: getopt_long has said what is wrong.
 std::optional<Options> WrongCommandLine(const std::string &what, int &status)
@@ -109,6 +124,8 @@ std::optional<Options> ParseCommandLine(int argc, char *argv[], int &status)
         case kJson: options.jsonFile = optarg; break;
         case kHtml: options.htmlFile = optarg; break;
         case kDb: options.database = optarg; break;
+        case kSpool: options.spoolFolder = optarg; break;
+        case kFlush: options.flush = true; break;
         case kHistory: options.history = true; break;
         case kSince: options.since = optarg; break;
         case kUntil: options.until = optarg; break;
@@ -121,29 +138,34 @@ std::optional<Options> ParseCommandLine(int argc, char *argv[], int &status)
     for (const auto &[option, value] : {std::pair{"--unit", &options.context.unit},
                                         std::pair{"--station", &options.context.station},
                                         std::pair{"--operator", &options.context.operatorName}})
-        if (!IsValidUtf8(*value)) {
-            std::fprintf(stderr, "q7cal-report: %s is not UTF-8 text: give it in UTF-8\n", option);
-            status = kTrouble;
-            return std::nullopt;
-        }
+        if (!IsValidUtf8(*value))
+            return Refused(std::string(option) + " is not UTF-8 text: give it in UTF-8", status);
+    options.context.reportVersion = Q7CAL_VERSION;
+    if (options.flush && (options.database.empty() || options.history || !options.transcripts.empty()))
+        return WrongCommandLine("--flush appends the records waiting for --db, and judges nothing", status);
     if (options.history) {
         if (options.database.empty())
             return WrongCommandLine("--history reads the history of --db: name it", status);
         if (!options.transcripts.empty() || !options.junitFile.empty() || !options.limitsFile.empty())
             return WrongCommandLine("--history judges no transcript", status);
-        for (const std::string *day : {&options.since, &options.until})
-            if (!day->empty() && !IsHistoryTime(*day))
-                return WrongCommandLine("'" + *day + "' is no day (YYYY-MM-DD) or time (YYYY-MM-DDTHH:MM:SS)", status);
-        options.context.reportVersion = Q7CAL_VERSION;
+        std::optional<long long> since, until;
+        for (const auto &[option, text, time] : {std::tuple{"--since", &options.since, &since},
+                                                 std::tuple{"--until", &options.until, &until}})
+            if (!text->empty() && !(*time = ParseHistoryTime(*text, time == &until)))
+                return Refused(std::string(option) + " '" + *text +
+                                   "' is no date or time: give YYYY-MM-DD, or YYYY-MM-DDTHH:MM[:SS[.mmm]] in UTC, "
+                                   "with Z or an offset such as +01:00",
+                               status);
+        if (since && until && *until < *since)
+            return Refused("--until " + options.until + " comes before --since " + options.since, status);
         return options;
     }
     if (!options.since.empty() || !options.until.empty())
         return WrongCommandLine("--since and --until belong to --history", status);
-    if (options.transcripts.empty())
+    if (options.transcripts.empty() && !options.flush)
         options.transcripts.push_back("-");
     if (!options.context.unit.empty() && options.transcripts.size() > 1)
         return WrongCommandLine("--unit names one unit: give one transcript with it", status);
-    options.context.reportVersion = Q7CAL_VERSION;
     return options;
 }
 

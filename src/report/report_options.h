@@ -21,6 +21,8 @@ struct Options {
     std::string htmlFile;
     std::vector<std::string> transcripts;  // "-" for standard input
     std::string database;  // --db: an SQLite file or a postgresql:// URI
+    std::string spoolFolder;  // --spool: where records wait for the history ("": the default)
+    bool flush = false;       // --flush: append the records waiting, judge nothing
     bool history = false;  // --history: read the history instead of judging
     std::string since;     // --since, --until: the span of the history
     std::string until;

@@ -110,7 +110,7 @@ void JunitWriter::Add(const UnitRecord &record)
     suite->SetAttribute("name", Xml(UnitName(record, context_) + " (" + record.source + ")").c_str());
     suite->SetAttribute("package", "q7cal");
     suite->SetAttribute("id", static_cast<int64_t>(units_++));
-    suite->SetAttribute("timestamp", IsoTime(record.start).c_str());
+    suite->SetAttribute("timestamp", IsoTime(record.startMs).c_str());
     suite->SetAttribute("hostname", Xml(context_.hostname).c_str());
     suite->SetAttribute("tests", static_cast<int64_t>(record.error.empty() ? totals.checks : 1));
     suite->SetAttribute("failures", static_cast<int64_t>(totals.failed));
@@ -208,7 +208,7 @@ nlohmann::ordered_json UnitJson(const UnitRecord &record, const RunContext &cont
             {"context", {{"station", TextOrNull(context.station)},
                          {"operator", TextOrNull(context.operatorName)},
                          {"hostname", context.hostname},
-                         {"start_time", IsoTime(record.start) + "Z"},
+                         {"start_time", UtcTime(record.startMs)},
                          {"seconds", record.seconds},
                          {"timed", record.timed},
                          {"scripted", record.scripted}}},

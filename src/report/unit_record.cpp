@@ -1,5 +1,6 @@
 #include "unit_record.h"
 
+#include <cstdio>
 #include <cstring>
 
 namespace q7report {
@@ -64,13 +65,21 @@ std::string UnitName(const UnitRecord &record, const RunContext &context)
     return mac.empty() ? "unknown" : mac;
 }
 
-std::string IsoTime(std::time_t time)
+std::string IsoTime(long long milliseconds)
 {
+    std::time_t time = static_cast<std::time_t>(milliseconds >= 0 ? milliseconds / 1000 : (milliseconds - 999) / 1000);
     std::tm utc{};
     gmtime_r(&time, &utc);
     char text[32];
     std::strftime(text, sizeof text, "%Y-%m-%dT%H:%M:%S", &utc);
     return text;
+}
+
+std::string UtcTime(long long milliseconds)
+{
+    char fraction[8];
+    std::snprintf(fraction, sizeof fraction, ".%03lldZ", ((milliseconds % 1000) + 1000) % 1000);
+    return IsoTime(milliseconds) + fraction;
 }
 
 }  // namespace q7report

@@ -101,7 +101,7 @@ struct UnitRecord {
     bool isSession = false;  // false: not a q7cal transcript at all
     bool scripted = true;    // answers came from a script: no typed answer shows after a prompt
     bool timed = false;      // read from a live pipe: lines carry when they arrived
-    std::time_t start = 0;   // the first line's arrival, or the file's last write
+    long long startMs = 0;   // the first line's arrival, or the file's last write: ms since 1970 (UTC)
     double seconds = 0;      // from the first line to the last
     std::string identity[kIdentityFieldCount];  // "" where the transcript does not show it
     std::vector<Check> checks;
@@ -129,8 +129,11 @@ struct RunContext {
 // The unit's name in one word: its ID, else its MAC address, else "unknown".
 std::string UnitName(const UnitRecord &record, const RunContext &context);
 
-// "2026-11-24T09:41:07": UTC, as JUnit writes it (no zone).
-std::string IsoTime(std::time_t time);
+// "2026-11-24T09:41:07": UTC to the second, as JUnit writes it (no zone).
+std::string IsoTime(long long milliseconds);
+// "2026-11-24T09:41:07.250Z": UTC to the millisecond, as the JSON records and
+// the history keep it; such times sort as text.
+std::string UtcTime(long long milliseconds);
 
 }  // namespace q7report
 

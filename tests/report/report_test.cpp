@@ -379,7 +379,7 @@ TEST(ReportTest, TheJunitFileHasASuitePerUnitWithItsIdentityAndStableCaseNames)
     UnitRecord healthy = Judge(Golden("healthy_run")), stuck = Judge(Golden("stuck_led"));
     healthy.source = "a.log";
     stuck.source = "b.log";
-    healthy.start = 86400 + 3661;
+    healthy.startMs = (86400 + 3661) * 1000LL + 250;
     healthy.seconds = 2.5;
     tinyxml2::XMLDocument document;
     ASSERT_EQ(document.Parse(q7report::JunitXml({healthy, stuck}, context).c_str()), tinyxml2::XML_SUCCESS);
