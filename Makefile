@@ -15,7 +15,7 @@ FUZZ_DIR     := build-fuzz
 MEMCHECK_DIR := build-memcheck
 CROSS_DIR    := build-mips
 PREFIX       := /usr/local
-JOBS         := 2
+JOBS         ?= $(shell nproc)
 FUZZ_SECONDS := 60
 
 # Plain `make` builds and runs nothing.

@@ -256,7 +256,7 @@ def main():
         selection = ctest + ([] if args.all_killers else ["--stop-on-failure"])
         if path.startswith("src/report/"):
             return selection + ["-R", r"^(report|ReportTest)\."]
-        if path == "src/util/printed_texts.h":
+        if path == "src/shared/printed_texts.h":
             return selection
         return selection + ["-E", r"^report\.(history|files)$"]
     log = os.path.join(out_dir, "log.txt")
