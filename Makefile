@@ -36,7 +36,7 @@ build: check-tools
 
 test:
 	@scripts/check-tools.sh --test >&2
-	@cmake -S . -B $(TEST_DIR) -DCMAKE_BUILD_TYPE=Debug -DQ7_SANITIZE=ON -DQ7_TESTS=ON
+	@cmake -S . -B $(TEST_DIR) -DCMAKE_BUILD_TYPE=Debug -DQ7_SANITIZE=ON -DQ7_TESTS=ON -DQ7_WERROR=ON
 	@cmake --build $(TEST_DIR) -j $(JOBS)
 	@cd $(TEST_DIR) && ctest --output-on-failure -j $(JOBS)
 
@@ -45,7 +45,7 @@ test:
 # program's output must not depend on the host's byte order or word size.
 cross-test:
 	@scripts/check-tools.sh --cross >&2
-	@cmake -S . -B $(CROSS_DIR) -DCMAKE_BUILD_TYPE=Release -DQ7_TESTS=ON \
+	@cmake -S . -B $(CROSS_DIR) -DCMAKE_BUILD_TYPE=Release -DQ7_TESTS=ON -DQ7_WERROR=ON \
 	       -DCMAKE_TOOLCHAIN_FILE=cmake/toolchains/mips-linux-gnu.cmake
 	@cmake --build $(CROSS_DIR) -j $(JOBS)
 	@cd $(CROSS_DIR) && ctest --output-on-failure -j $(JOBS)
@@ -72,7 +72,7 @@ bench: build
 # The session fuzzer, built by clang in a folder of its own.
 fuzz:
 	@scripts/check-tools.sh --fuzz >&2
-	@cmake -S . -B $(FUZZ_DIR) -DCMAKE_BUILD_TYPE=RelWithDebInfo -DQ7_FUZZ=ON \
+	@cmake -S . -B $(FUZZ_DIR) -DCMAKE_BUILD_TYPE=RelWithDebInfo -DQ7_FUZZ=ON -DQ7_WERROR=ON \
 	       -DCMAKE_C_COMPILER=clang -DCMAKE_CXX_COMPILER=clang++
 	@cmake --build $(FUZZ_DIR) -j $(JOBS) --target q7cal_fuzz
 
