@@ -3,7 +3,7 @@
 # Those two install what they need from Debian's packages when run as root
 # (`make deps` installs the whole list, packaging/packages.txt); every other
 # target only says what is missing (scripts/check-tools.sh).
-# `make install` (PREFIX, DESTDIR), `make deb` (the Debian package, in
+# `make install` (PREFIX, DESTDIR), `make deb` (the two Debian packages, in
 # build/) and `make bench` (start-up, write, automated-run and sleep figures)
 # use the Release build. `make fuzz-ci` fuzzes whole sessions for a minute;
 # `make memcheck` runs the golden sessions and the prompt walk under valgrind;
@@ -63,12 +63,15 @@ install: build
 uninstall:
 	@DESTDIR=$(DESTDIR) scripts/uninstall.sh $(BUILD_DIR)/install_manifest.txt
 
-# The package, checked as a distribution would check it: no lintian error or warning.
+# The two packages, q7cal for the device's host and q7cal-report for the
+# line's computer, checked as a distribution would check them (no lintian
+# error or warning), and their dependencies against packaging/packages.txt.
 deb: build
-	@scripts/check-tools.sh --deb >&2
-	@rm -f $(BUILD_DIR)/q7cal_*.deb
+	@scripts/check-tools.sh deb >&2
+	@rm -f $(BUILD_DIR)/*.deb
 	@cd $(BUILD_DIR) && cpack -G DEB
-	@lintian --fail-on error,warning $(BUILD_DIR)/q7cal_*.deb
+	@lintian --fail-on error,warning $(BUILD_DIR)/q7cal_*.deb $(BUILD_DIR)/q7cal-report_*.deb
+	@packaging/check-packages.sh $(BUILD_DIR)/q7cal_*.deb $(BUILD_DIR)/q7cal-report_*.deb
 
 bench: build
 	@cmake --build $(BUILD_DIR) --target bench_cpu_time calapi_stub >&2
