@@ -246,7 +246,8 @@ def main():
     copy = args.tree or os.path.join(out_dir, "tree")
     sync_tree(copy)
     build = os.path.join(copy, "build-test")
-    configure = ["cmake", "-S", copy, "-B", build, "-DCMAKE_BUILD_TYPE=Debug", "-DQ7_SANITIZE=ON", "-DQ7_TESTS=ON"]
+    configure = ["cmake", "-S", copy, "-B", build, "-DCMAKE_BUILD_TYPE=Debug", "-DQ7_SANITIZE=ON", "-DQ7_TESTS=ON",
+                 "-DQ7_WERROR=ON"]
     make = ["cmake", "--build", build, "-j", "2"]
     ctest = ["ctest", "--test-dir", build, "-j", "2", "--timeout", str(args.timeout)]
     # The tests that can see a mutant: q7cal-report's alone reach its sources,
@@ -256,7 +257,7 @@ def main():
         selection = ctest + ([] if args.all_killers else ["--stop-on-failure"])
         if path.startswith("src/report/"):
             return selection + ["-R", r"^(report|ReportTest)\."]
-        if path == "src/util/printed_texts.h":
+        if path == "src/shared/printed_texts.h":
             return selection
         return selection + ["-E", r"^report\.(history|files)$"]
     log = os.path.join(out_dir, "log.txt")

@@ -2,7 +2,7 @@
 # make uninstall: removes every file that the last `make install` from this
 # build folder recorded in MANIFEST (under DESTDIR, when that is set as it was
 # for the install), then the program's own folders (the private library
-# folder, the doc folder) if they are left empty.
+# folder, the two programs' doc folders) if they are left empty.
 set -u
 manifest=$1
 destdir=${DESTDIR:-}
@@ -15,7 +15,7 @@ while IFS= read -r file || [ -n "$file" ]; do
   rm -fv -- "$destdir$file"
   folder=$destdir$(dirname -- "$file")
   case $folder in
-    */q7cal) [ -d "$folder" ] && rmdir --ignore-fail-on-non-empty -- "$folder" ;;
+    */q7cal | */q7cal-report) [ -d "$folder" ] && rmdir --ignore-fail-on-non-empty -- "$folder" ;;
   esac
 done <"$manifest"
 exit 0
