@@ -24,6 +24,7 @@ header { padding: 24px 32px; background: #fff; border-bottom: 1px solid #d5dbe1;
 .pass { color: #17692f; } .fail, .error { color: #b3261e; } .marginal { color: #8a5a00; }
 #verdict.pass { background: #1e8e3e; color: #fff; } #verdict.fail, #verdict.error { background: #c5221f; color: #fff; }
 header .about { color: #4a5560; }
+section.units { margin: 24px 32px; }
 section.unit { margin: 24px 32px; padding: 8px 24px 24px; background: #fff; border: 1px solid #d5dbe1; border-radius: 10px; }
 h1 { font-size: 22px; } h2 { font-size: 17px; margin-top: 28px; border-bottom: 1px solid #e3e7eb; padding-bottom: 4px; }
 .badge { font-size: 13px; font-weight: 600; padding: 2px 8px; border-radius: 10px; background: #fde7b0; color: #6b4e00; vertical-align: middle; }
@@ -176,7 +177,8 @@ const char *VerdictClass(const std::string &word)
     return word == "PASS" ? "pass" : word == "ERROR" ? "error" : "fail";
 }
 
-// A unit's section of the page, its plots' data beside it.
+// A unit's section of the page: its heading, then its details and its
+// plots' data as text, for the page to build when the unit is looked at.
 std::string UnitSection(const UnitRecord &record, const RunContext &context, size_t unit)
 {
     const std::string verdict = record.Verdict();
@@ -192,16 +194,19 @@ std::string UnitSection(const UnitRecord &record, const RunContext &context, siz
         page += "<p class=\"error\">" + HtmlEscape(record.error) + "</p>\n</section>\n";
         return page;
     }
-    Identity(page, record, context);
-    Checks(page, record);
+    std::string detail;
+    Identity(detail, record, context);
+    Checks(detail, record);
     nlohmann::ordered_json plots = PlotData(record, unit);
-    page += "<h2>Plots</h2>\n<div class=\"plots\">\n";
+    detail += "<h2>Plots</h2>\n<div class=\"plots\">\n";
     for (const auto &plot : plots)
-        page += "<figure><figcaption>" + HtmlEscape(plot["title"].get<std::string>()) +
-                "</figcaption><div class=\"graph\" id=\"" + plot["id"].get<std::string>() + "\"></div></figure>\n";
-    page += "</div>\n<script type=\"application/json\" class=\"plot-data\">" + ScriptJson(plots) + "</script>\n";
-    Measurements(page, record);
-    page += "</section>\n";
+        detail += "<figure><figcaption>" + HtmlEscape(plot["title"].get<std::string>()) +
+                  "</figcaption><div class=\"graph\" id=\"" + plot["id"].get<std::string>() + "\"></div></figure>\n";
+    detail += "</div>\n";
+    Measurements(detail, record);
+    page += "<div class=\"detail\"></div>\n<script type=\"application/json\" class=\"unit-detail\">" +
+            ScriptJson(detail) + "</script>\n<script type=\"application/json\" class=\"plot-data\">" +
+            ScriptJson(plots) + "</script>\n</section>\n";
     return page;
 }
 
@@ -244,6 +249,12 @@ HtmlWriter::~HtmlWriter()
 
 bool HtmlWriter::Add(const UnitRecord &record)
 {
+    const std::string verdict = record.Verdict();
+    Totals totals = record.Count();
+    unitRows_ += "<tr><td><a href=\"#unit-" + std::to_string(units_) + "\">" + HtmlEscape(UnitName(record, context_)) +
+                 "</a></td><td class=\"" + VerdictClass(verdict) + "\">" + verdict + "</td><td class=\"number\">" +
+                 std::to_string(totals.failed) + "</td><td class=\"number\">" + std::to_string(totals.marginal) +
+                 "</td><td>" + HtmlEscape(record.error.empty() ? record.source : record.error) + "</td></tr>\n";
     std::string section = UnitSection(record, context_, units_++);
     return sections_ != nullptr && std::fwrite(section.data(), 1, section.size(), sections_) == section.size();
 }
@@ -259,14 +270,18 @@ bool HtmlWriter::End(const BatchVerdict &verdict)
          << plotLibrary_ << "\n</script>\n</head>\n<body>\n<header>\n<div id=\"verdict\" class=\"" << VerdictClass(word)
          << "\">" << word << "</div>\n<div class=\"about\">" << units_ << (units_ == 1 ? " unit" : " units")
          << " judged by q7cal-report " << HtmlEscape(context_.reportVersion) << " on " << HtmlEscape(context_.hostname)
-         << "</div>\n</header>\n";
+         << "</div>\n</header>\n<section class=\"units\">\n<table class=\"list\" id=\"units\">\n<tr><th>Unit</th>"
+            "<th>Verdict</th><th>Failed</th><th>Marginal</th><th>Transcript</th></tr>\n"
+         << unitRows_ << "</table>\n</section>\n";
     char buffer[65536];
     for (size_t read; (read = std::fread(buffer, 1, sizeof buffer, sections_)) > 0;)
         out_.write(buffer, static_cast<std::streamsize>(read));
     if (std::ferror(sections_))
         return false;
     out_ << R"js(<script>
-for (const data of document.querySelectorAll('script.plot-data')) {
+// A unit's plots are drawn when its plots come into view: a page of a
+// thousand units opens at once, and draws what is looked at.
+function drawPlots(data) {
   for (const plot of JSON.parse(data.textContent)) {
     new Dygraph(document.getElementById(plot.id), plot.rows, {
       labels: plot.labels, xlabel: plot.labels[0], ylabel: plot.ylabel,
@@ -277,6 +292,24 @@ for (const data of document.querySelectorAll('script.plot-data')) {
     });
   }
 }
+// A unit's details are built, and its plots drawn, when it is looked at: a
+// page of a thousand units opens at once. The first three are built at once.
+function reveal(section) {
+  const detail = section.querySelector('script.unit-detail');
+  if (!detail)
+    return;
+  section.querySelector('div.detail').innerHTML = JSON.parse(detail.textContent);
+  detail.remove();
+  drawPlots(section.querySelector('script.plot-data'));
+}
+const inView = new IntersectionObserver(entries => {
+  for (const entry of entries)
+    if (entry.isIntersecting) {
+      inView.unobserve(entry.target);
+      reveal(entry.target);
+    }
+}, {rootMargin: '400px'});
+document.querySelectorAll('section.unit').forEach((section, i) => i < 3 ? reveal(section) : inView.observe(section));
 </script>
 </body>
 </html>

@@ -68,10 +68,11 @@ private:
     size_t units_ = 0;
 };
 
-// One self-contained page: the verdict, then each unit's identity, checks
-// (failures first), measurements and a plot of every list of values; the
-// plotting script is inlined so that the page opens offline. The units'
-// sections wait in a scratch file until the verdict that heads them is known.
+// One self-contained page: the verdict and a table of the units, then each
+// unit's identity, checks (failures first), measurements and a plot of every
+// list of values, drawn when the unit comes into view; the plotting script
+// is inlined so that the page opens offline. The units' sections wait in a
+// scratch file until the verdict and the table that head them are known.
 class HtmlWriter {
 public:
     HtmlWriter(std::ostream &out, const RunContext &context, const std::string &plotLibrary,
@@ -89,6 +90,7 @@ private:
     const std::string &plotLibrary_;
     const std::string &plotStyle_;
     std::FILE *sections_;
+    std::string unitRows_;  // the table of units: a short row each
     size_t units_ = 0;
 };
 

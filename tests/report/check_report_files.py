@@ -107,6 +107,6 @@ for unit, section in enumerate(sections):
     assert drawn_here and set(drawn_here) == {str(unit)}, (unit, drawn_here)
 # Each unit's identity: who, where, when, how long, from what.
 for label in ("Station", "Operator", "Host", "Started (UTC)", "Duration", "Transcript", "MAC address"):
-    assert dom.count("<th>%s</th>" % label) == len(units), label
+    assert "".join(sections).count("<th>%s</th>" % label) == len(units), label
 assert dom.count("<th>Unit</th><td>02:1A:C7:30:5E:81</td>") == len(units), "a unit is not named by its MAC address"
 print("junit, json and page: %d suites, %d units, %d plots drawn" % (len(suites), len(units), len(page.graphs)))

@@ -131,5 +131,24 @@ status=$?
 cmp -s "$scratch/kept.json" "$scratch/kept.before" || fail "a file-size limit left a changed file"
 [ -z "$(find "$scratch" -name '.kept.json.*')" ] || fail "a file-size limit left its scratch file"
 
+# A shift's page: a table of every unit first; the first units built at
+# once, the others built and drawn only when they come into view.
+mkdir "$scratch/shift"
+for i in $(seq 1 40); do ln -s "$golden/healthy_run.in" "$scratch/shift/unit$i.log"; done
+"$report" --html="$scratch/shift.html" "$scratch/shift"/unit*.log >/dev/null 2>&1 || fail "a shift of 40 units"
+chromium --headless --no-sandbox --disable-gpu --disable-quic --no-first-run --disable-background-networking \
+  --disable-component-update --disable-sync --user-data-dir="$scratch/browser" \
+  --dump-dom "file://$scratch/shift.html" >"$scratch/shift-dom.html" 2>/dev/null
+/usr/bin/python3 - "$scratch/shift-dom.html" <<'PY' || fail "a shift's page is not built as it is looked at"
+import re, sys
+dom = open(sys.argv[1]).read()
+table = dom[dom.index('<table class="list" id="units">'):]
+assert table[:table.index("</table>")].count('<a href="#unit-') == 40
+sections = dom.split('<section class="unit"')[1:]
+built = ['class="unit-detail"' not in section for section in sections]
+assert built[:3] == [True] * 3 and not any(built[3:]), built
+assert all("<canvas" in section for section in sections[:3]) and not any("<canvas" in s for s in sections[3:])
+PY
+
 [ $failures -eq 0 ] && echo "report files: all checks passed"
 exit $((failures > 0))
