@@ -24,9 +24,9 @@ static const char sHelpText[] =
     "  2      a wrong command line\n"
     "  3      input ended inside a command\n"
     "  4      standard output could not be written (this wins over 3)\n"
-    "  128+N  after signal N: SIGINT, SIGTERM and SIGHUP are taken at the next\n"
-    "         safe point (restores made, device mode popped, normal exit); a\n"
-    "         second SIGINT ends the program at once\n"
+    "  128+N  after signal N: SIGINT, SIGTERM, SIGHUP and SIGQUIT are taken at\n"
+    "         the next safe point (restores made, device mode popped, normal\n"
+    "         exit); a second SIGINT ends the program at once\n"
     "See q7cal(1) for the menu groups and the rules for scripts.\n";
 
 /* Prints the text; 0, or 4 after a line on stderr when standard output

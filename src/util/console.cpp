@@ -139,6 +139,9 @@ bool FinishOutput(void)
 
 static void EndPipedInput(void);
 
+/* The signals that end the session. */
+static const int gs_aiStopSignals[] = {SIGINT, SIGTERM, SIGHUP, SIGQUIT};
+
 static void OnStopSignal(int iSignal)
 {
     const int iSavedErrno = errno;
@@ -153,7 +156,7 @@ static void OnStopSignal(int iSignal)
         if (gs_iStopSignal == 0)
             gs_iStopSignal = SIGINT;
     } else if (gs_iStopSignal == 0 || gs_iStopSignal == SIGINT) {
-        /* SIGTERM and SIGHUP end the session whatever came before. */
+        /* SIGTERM, SIGHUP and SIGQUIT end the session whatever came before. */
         gs_iStopSignal = iSignal;
     }
     EndPipedInput();
@@ -172,14 +175,15 @@ void CatchStopSignals(void)
     stAction.sa_handler = OnStopSignal;
     sigemptyset(&stAction.sa_mask);
     stAction.sa_flags = 0; /* no SA_RESTART: a blocking read or sleep returns */
-    const int aiSignals[] = {SIGINT, SIGTERM, SIGHUP};
-    for (size_t i = 0; i < sizeof aiSignals / sizeof aiSignals[0]; i++) {
+    for (size_t i = 0; i < sizeof gs_aiStopSignals / sizeof gs_aiStopSignals[0]; i++) {
         struct sigaction stBefore;
         /* A signal the caller ignores (nohup, a background job) stays ignored. */
-        if (sigaction(aiSignals[i], NULL, &stBefore) == 0 && stBefore.sa_handler != SIG_IGN)
-            sigaction(aiSignals[i], &stAction, NULL);
+        if (sigaction(gs_aiStopSignals[i], NULL, &stBefore) == 0 && stBefore.sa_handler != SIG_IGN)
+            sigaction(gs_aiStopSignals[i], &stAction, NULL);
     }
+    /* A closed pipe and a file-size limit are output errors, not deaths. */
     signal(SIGPIPE, SIG_IGN);
+    signal(SIGXFSZ, SIG_IGN);
     WriteThroughResumingStream();
 }
 
@@ -192,6 +196,8 @@ static const char *SignalName(int iSignal)
         return "SIGTERM";
     case SIGHUP:
         return "SIGHUP";
+    case SIGQUIT:
+        return "SIGQUIT";
     default:
         return "a signal";
     }
@@ -231,9 +237,8 @@ static bool TerminalByteReady(void)
 {
     sigset_t stStops, stBefore;
     sigemptyset(&stStops);
-    sigaddset(&stStops, SIGINT);
-    sigaddset(&stStops, SIGTERM);
-    sigaddset(&stStops, SIGHUP);
+    for (size_t i = 0; i < sizeof gs_aiStopSignals / sizeof gs_aiStopSignals[0]; i++)
+        sigaddset(&stStops, gs_aiStopSignals[i]);
     sigprocmask(SIG_BLOCK, &stStops, &stBefore);
     int iReady = 0;
     while (gs_iStopSignal == 0 && iReady <= 0) {

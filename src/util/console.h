@@ -12,9 +12,10 @@
  *    (or, when it has changed it already, after finishing what the engineer
  *    asked for: a restore, a device mode popped). At a menu it reads as -1.
  * The session ends at the end of input, on a stop signal (SIGINT, SIGTERM,
- * SIGHUP) and when standard output can no longer be written. At a terminal,
- * Ctrl-C ends only the command in progress: the menu then carries on
- * (ResumeAfterInterrupt), and answers are read with line editing and history.
+ * SIGHUP, SIGQUIT) and when standard output can no longer be written. At a
+ * terminal, Ctrl-C ends only the command in progress: the menu then carries
+ * on (ResumeAfterInterrupt), and answers are read with line editing and
+ * history.
  */
 #ifndef Q7_CONSOLE_H
 #define Q7_CONSOLE_H
@@ -68,11 +69,11 @@ int AbandonCommand(void);
  * still see it. */
 void PrintDeviceNotice(const char *sFormat, ...) __attribute__((format(printf, 1, 2)));
 
-/* SIGINT, SIGTERM and SIGHUP end the session at its next read, sleep or check
- * (a blocking read or a sleep is interrupted); a second SIGINT ends the
- * program at once. SIGPIPE is ignored: a closed pipe is an output error.
- * Standard output is written through a stream that resumes a write a signal
- * interrupted. */
+/* SIGINT, SIGTERM, SIGHUP and SIGQUIT end the session at its next read, sleep
+ * or check (a blocking read or a sleep is interrupted); a second SIGINT ends
+ * the program at once. SIGPIPE and SIGXFSZ are ignored: a closed pipe and a
+ * file-size limit are output errors. Standard output is written through a
+ * stream that resumes a write a signal interrupted. */
 void CatchStopSignals(void);
 
 /* The stop signal that ends the session, or 0. */

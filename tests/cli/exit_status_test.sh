@@ -1,7 +1,8 @@
 #!/usr/bin/env bash
 # How a whole session ends, by its exit status: 3 when input ends inside a
 # command; 4 when standard output cannot be written (/dev/full, a closed
-# stdout, a pipe whose reader has gone); 128 + N after stop signal N, taken at
+# stdout, a pipe whose reader has gone, a file-size limit); 128 + N after stop
+# signal N, taken at
 # the menu and inside a command, both through the normal exit, and while a
 # write to a slow reader is blocked, with nothing of the output lost.
 # Usage: exit_status_test.sh PROGRAM
@@ -29,6 +30,10 @@ expect_status "standard output closed" 4 $?
 for _ in $(seq 1000); do printf '1\n-1\n'; done >"$work/menus"
 "$program" <"$work/menus" 2>/dev/null | head -c 1 >/dev/null
 expect_status "a pipe closed by its reader" 4 "${PIPESTATUS[0]}"
+bash -c 'ulimit -f 1; exec "$0"' "$program" <"$work/menus" >"$work/out" 2>"$work/err"
+expect_status "standard output over a file-size limit" 4 $?
+grep -q '^q7cal: write error on standard output: File too large$' "$work/err" ||
+  fail "a file-size limit: no write error on stderr: $(cat "$work/err")"
 
 # Types ANSWERS, waits until the output ends with WAIT_FOR (the prompt being
 # asked) and sends SIGNAL (TERM when not given); sets signal_status.

@@ -1,71 +1,105 @@
-"""q7cal at a terminal, typed at through a pseudo-terminal: Ctrl-C inside a
-command abandons only that command and the group menu carries on; the up
-arrow recalls an earlier answer and an escape sequence is never taken as an
-answer; Ctrl-C at a menu leaves with status 130.
+"""q7cal at a terminal, typed at through a pseudo-terminal as an engineer
+would:
+- Ctrl-C inside a command abandons only that command and the group menu
+  carries on; Ctrl-C at a menu leaves with status 130;
+- the up arrow recalls an earlier answer and an escape sequence is never
+  taken as an answer;
+- Ctrl-\\ (SIGQUIT) finishes the command's restore, leaves with 131 and the
+  terminal as it was found.
 Usage: terminal_test.py PROGRAM"""
 import os
 import pty
 import select
 import sys
+import termios
 import time
 
 program = sys.argv[1]
-pid, terminal = pty.fork()
-if pid == 0:
-    os.environ["TERM"] = "xterm"
-    os.execv(program, [program])
-
-seen = b""
 
 
-def wait_for(text, timeout=20.0):
-    """Reads what the program shows until `text` has appeared in it since the
-    last wait; fails the test after `timeout` seconds."""
-    global seen
-    deadline = time.time() + timeout
-    while text.encode() not in seen:
-        ready, _, _ = select.select([terminal], [], [], max(0.0, deadline - time.time()))
-        if not ready:
-            sys.exit("FAIL: waited for %r; the terminal shows:\n%s" % (text, seen[-1500:].decode(errors="replace")))
-        try:
-            seen += os.read(terminal, 4096)
-        except OSError:
-            sys.exit("FAIL: the program ended while %r was awaited:\n%s" % (text, seen[-1500:].decode(errors="replace")))
-    shown = seen.decode(errors="replace")
-    seen = seen[seen.index(text.encode()) + len(text):]
-    return shown
+def fail(message, shown=b""):
+    sys.exit("FAIL: %s\n%s" % (message, shown[-1500:].decode(errors="replace")))
 
 
-def type_keys(keys):
-    os.write(terminal, keys.encode())
+class Terminal:
+    """A program started on a pseudo-terminal of its own."""
+
+    def __init__(self, argv, env=None):
+        self.pid, self.fd = pty.fork()
+        if self.pid == 0:
+            os.environ["TERM"] = "xterm"
+            os.environ.update(env or {})
+            os.execv(argv[0], argv)
+        self.seen = b""
+
+    def wait_for(self, text, timeout=20.0):
+        """Reads what the terminal shows until `text` has appeared since the
+        last wait, and returns what it shows up to there."""
+        deadline = time.time() + timeout
+        while text.encode() not in self.seen:
+            ready, _, _ = select.select([self.fd], [], [], max(0.0, deadline - time.time()))
+            if not ready:
+                fail("waited for %r; the terminal shows:" % text, self.seen)
+            try:
+                self.seen += os.read(self.fd, 4096)
+            except OSError:
+                fail("the program ended while %r was awaited:" % text, self.seen)
+        end = self.seen.index(text.encode()) + len(text)
+        shown, self.seen = self.seen[:end], self.seen[end:]
+        return shown.decode(errors="replace")
+
+    def prompt(self, line, keys):
+        """Types `keys` once the line editor has drawn the prompt `line`."""
+        self.wait_for("\r" + line)
+        self.type(keys)
+
+    def type(self, keys):
+        os.write(self.fd, keys.encode())
+
+    def exit_status(self):
+        _, status = os.waitpid(self.pid, 0)
+        return os.WEXITSTATUS(status) if os.WIFEXITED(status) else -os.WTERMSIG(status)
 
 
-wait_for("ENTER OPTION : ")
-type_keys("1\r")  # Configuration Commands
-wait_for("ENTER OPTION : ")
-type_keys("4\r")  # Set device mode: Ctrl-C at its first prompt
-wait_for("DUT Mode        ? ")
-type_keys("\x03")
-shown = wait_for("ENTER OPTION : ")
+MENU = "ENTER OPTION : "
+VERIFY = "    Verify write     (1=yes/0=no) ? "
+BYTE_WRITE_TO_VERIFY = "7\r7\r100\r4\r1\r1\r1\r"  # WriteDSDBytes at 0x100, 4 random bytes, restore asked
+
+# ---- Ctrl-C and history -----------------------------------------------------
+q7cal = Terminal([program])
+q7cal.prompt(MENU, "1\r")  # Configuration Commands
+q7cal.prompt(MENU, "4\r")  # Set device mode: Ctrl-C at its first prompt
+q7cal.prompt("    DUT Mode        ? ", "\x03")
+shown = q7cal.wait_for("\r" + MENU)
 if "Interrupted: command abandoned." not in shown or "******** Configuration Commands ********" not in shown:
-    sys.exit("FAIL: Ctrl-C inside a command did not bring the group menu back:\n" + shown)
+    fail("Ctrl-C inside a command did not bring the group menu back:", shown.encode())
 
 # An empty line is no answer and no end of input; an answer recalled with
 # the up arrow runs the command again; the arrows that have nothing to move
 # to are no answers.
-type_keys("\r5\r")  # an empty line, then Get band configuration
-wait_for("GetBandConfig was SUCCESSFUL.")
-wait_for("ENTER OPTION : ")
-type_keys("\x1b[B\x1b[C\x1b[A\r")
-shown = wait_for("GetBandConfig was SUCCESSFUL.")
+q7cal.type("\r5\r")  # an empty line, then Get band configuration
+q7cal.wait_for("GetBandConfig was SUCCESSFUL.")
+q7cal.prompt(MENU, "\x1b[B\x1b[C\x1b[A\r")
+shown = q7cal.wait_for("GetBandConfig was SUCCESSFUL.")
 if "Sorry. Invalid option selected." in shown or "GetBandConfig:" not in shown:
-    sys.exit("FAIL: the up arrow did not recall the answer 5:\n" + shown)
-wait_for("ENTER OPTION : ")
+    fail("the up arrow did not recall the answer 5:", shown.encode())
 
 # Ctrl-C at a menu leaves through the normal exit.
-type_keys("\x03")
-wait_for("Closing application...")
-_, status = os.waitpid(pid, 0)
-if not os.WIFEXITED(status) or os.WEXITSTATUS(status) != 130:
-    sys.exit("FAIL: Ctrl-C at a menu: status %r, expected 130" % status)
+q7cal.type("\x03")
+q7cal.wait_for("Closing application...")
+if q7cal.exit_status() != 130:
+    fail("Ctrl-C at a menu: not status 130")
+
+# ---- Ctrl-\ at a byte write's verify question ------------------------------
+q7cal = Terminal([program])
+q7cal.prompt(MENU, BYTE_WRITE_TO_VERIFY)
+q7cal.prompt(VERIFY, "\x1c")
+shown = q7cal.wait_for("Closing application...")
+if "Interrupted by SIGQUIT: command abandoned." not in shown or "Restoring original DSD values" not in shown:
+    fail("Ctrl-\\ did not finish the restore:", shown.encode())
+if q7cal.exit_status() != 128 + 3:
+    fail("Ctrl-\\: not status 131")
+if termios.tcgetattr(q7cal.fd)[3] & (termios.ICANON | termios.ECHO) != termios.ICANON | termios.ECHO:
+    fail("Ctrl-\\: the terminal is left without its line mode or echo")
+
 print("terminal: all checks passed")
