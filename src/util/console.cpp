@@ -99,6 +99,18 @@ static void WriteThroughResumingStream(void)
     stdout = pStream;
 }
 
+void OpenClosedStandardDescriptors(void)
+{
+    /* Standard output is opened for reading only, so that its first write
+     * fails as a write to a closed descriptor does. */
+    static const int aiFlags[] = {O_RDONLY, O_RDONLY, O_WRONLY};
+    for (int iDescriptor = 0; iDescriptor <= STDERR_FILENO; iDescriptor++) {
+        /* open() hands out the lowest free number: this one. */
+        if (fcntl(iDescriptor, F_GETFD) < 0 && errno == EBADF)
+            (void)open("/dev/null", aiFlags[iDescriptor]);
+    }
+}
+
 /* Flushes what was printed; a failure ends the session like end of input. */
 static void FlushOutput(void)
 {

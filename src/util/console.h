@@ -69,6 +69,12 @@ int AbandonCommand(void);
  * still see it. */
 void PrintDeviceNotice(const char *sFormat, ...) __attribute__((format(printf, 1, 2)));
 
+/* Called first of all: a closed standard descriptor is opened on /dev/null,
+ * so that nothing opened later (the device library's channel) takes its
+ * number. A standard output that was closed is opened for reading only: its
+ * first write fails, an output error. */
+void OpenClosedStandardDescriptors(void);
+
 /* SIGINT, SIGTERM, SIGHUP and SIGQUIT end the session at its next read, sleep
  * or check (a blocking read or a sleep is interrupted); a second SIGINT ends
  * the program at once. SIGPIPE and SIGXFSZ are ignored: a closed pipe and a

@@ -1,8 +1,8 @@
 #!/usr/bin/env bash
 # How a whole session ends, by its exit status: 3 when input ends inside a
 # command; 4 when standard output cannot be written (/dev/full, a closed
-# stdout, a pipe whose reader has gone, a file-size limit); 128 + N after stop
-# signal N, taken at
+# stdout that the device library's channel must not take over, a pipe whose
+# reader has gone, a file-size limit); 128 + N after stop signal N, taken at
 # the menu and inside a command, both through the normal exit, and while a
 # write to a slow reader is blocked, with nothing of the output lost.
 # Usage: exit_status_test.sh PROGRAM
@@ -23,8 +23,10 @@ printf -- '-1\n' >"$work/exit"
 "$program" <"$work/exit" >/dev/full 2>"$work/err"
 expect_status "standard output on /dev/full" 4 $?
 grep -q '^q7cal: write error on standard output: ' "$work/err" || fail "/dev/full: no write error on stderr"
-"$program" <"$work/exit" >&- 2>/dev/null
-expect_status "standard output closed" 4 $?
+# Closed, standard input and output would be the next descriptors that the
+# device library opens for its channel, and the dialogue would go there.
+"$program" <&- >&- 2>/dev/null
+expect_status "standard input and output closed" 4 $?
 
 # Far more output than a pipe holds, to a reader that leaves after one byte.
 for _ in $(seq 1000); do printf '1\n-1\n'; done >"$work/menus"
