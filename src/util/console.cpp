@@ -22,6 +22,10 @@
 #define PROMPT_MAX 512
 /* Longer answers are not numbers any reader could take. */
 #define ANSWER_WORD_MAX 63u
+/* No answer comes further into its line than this: input there is no text. */
+#define ANSWER_LINE_MAX 65536u
+/* A line that has not ended by then never will (/dev/zero): the input ends. */
+#define INPUT_LINE_LIMIT (16u * ANSWER_LINE_MAX)
 
 static char gs_sPadBuffer[PAD_STRING_MAX + 1];
 
@@ -238,6 +242,10 @@ static void EndPipedInput(void)
 static const char *gs_sEditedLine = NULL;
 static int gs_iEditedLength = 0;
 static int gs_iEditedRead = 0;
+/* A character read one too far, to be read again; EOF when there is none. */
+static int gs_iPutBack = EOF;
+/* How far into its line the input has been read. */
+static uint32_t gs_u32LineBytes = 0;
 
 static const char *EditorPrompt(void) { return gs_sOutputTail; }
 
@@ -280,6 +288,21 @@ static int ReadTerminalByte(unsigned char *pu8Byte)
     }
 }
 
+/* The next byte of a pipe or file; a non-blocking one is waited on until a
+ * byte or its true end comes. */
+static int ReadPipedChar(void)
+{
+    for (;;) {
+        int c = getchar();
+        if (c != EOF || !ferror(stdin) || (errno != EAGAIN && errno != EWOULDBLOCK))
+            return c;
+        clearerr(stdin);
+        struct pollfd stInput = {fileno(stdin), POLLIN, 0};
+        if (poll(&stInput, 1, -1) < 0 && gs_iStopSignal != 0)
+            return EOF;
+    }
+}
+
 static void KnowInputSource(void)
 {
     if (gs_bSourceKnown)
@@ -308,31 +331,45 @@ static bool EditLine(void)
     return gs_sEditedLine != NULL;
 }
 
-/* The next character of input, or EOF. */
-static int NextChar(void)
+static int ReadEditedChar(void)
 {
-    if (!gs_bEditing)
-        return getchar();
     if (gs_iEditedRead >= gs_iEditedLength && !EditLine())
         return EOF;
     return (unsigned char)gs_sEditedLine[gs_iEditedRead++];
 }
 
-static void PutBackChar(int c)
+/* The next character of input, or EOF. A line that runs on past
+ * INPUT_LINE_LIMIT ends the input: no text has such lines. */
+static int NextChar(void)
 {
-    if (!gs_bEditing)
-        ungetc(c, stdin);
-    else if (gs_iEditedRead > 0)
-        gs_iEditedRead--;
+    int c = gs_iPutBack;
+    if (c != EOF) {
+        gs_iPutBack = EOF;
+        return c;
+    }
+    if (gs_bInputEnded)
+        return EOF;
+    c = gs_bEditing ? ReadEditedChar() : ReadPipedChar();
+    if (c == '\n') {
+        gs_u32LineBytes = 0;
+    } else if (c != EOF && ++gs_u32LineBytes > INPUT_LINE_LIMIT) {
+        gs_bInputEnded = true;
+        c = EOF;
+    }
+    return c;
 }
+
+static void PutBackChar(int c) { gs_iPutBack = c; }
 
 /* Everything typed ahead at a terminal is dropped. */
 static void DropTypedAhead(void)
 {
+    gs_iPutBack = EOF;
     gs_iEditedRead = gs_iEditedLength;
     __fpurge(stdin);
     tcflush(fileno(stdin), TCIFLUSH);
     gs_bLinePending = false;
+    gs_u32LineBytes = 0;
 }
 
 void ResetInputState(void)
@@ -346,6 +383,8 @@ void ResetInputState(void)
     gs_bAbandonAnnounced = false;
     gs_bSourceKnown = false;
     gs_iEditedRead = gs_iEditedLength = 0;
+    gs_iPutBack = EOF;
+    gs_u32LineBytes = 0;
     clearerr(stdin);
 }
 
@@ -404,13 +443,14 @@ static void DiscardRestOfLine(void)
 
 /* Reads one word: blanks and line ends before it are skipped, and at most
  * u32Max characters are kept (the rest of a longer word is dropped; *pbCut
- * says so). A word holding a NUL byte comes back empty, which no reader takes
- * for a number. EOF at end of input, and when a stop signal interrupts the
- * read; else the length kept. */
+ * says so). A word that is no text, holding a NUL byte or lying further into
+ * its line than any answer, comes back empty, which no reader takes for a
+ * number. EOF at end of input, and when the session ends during the read (a
+ * stop signal may have cut the word short); else the length kept. */
 static int ReadWord(char *sWord, uint32_t u32Max, bool *pbCut)
 {
     uint32_t u32Length = 0;
-    bool bNul = false;
+    bool bNoText = false;
     int c;
 
     *pbCut = false;
@@ -420,8 +460,8 @@ static int ReadWord(char *sWord, uint32_t u32Max, bool *pbCut)
     if (c == EOF)
         return EOF;
     for (; c != EOF && !isspace(c); c = NextChar()) {
-        if (c == '\0')
-            bNul = true;
+        if (c == '\0' || gs_u32LineBytes > ANSWER_LINE_MAX)
+            bNoText = true;
         if (u32Length < u32Max)
             sWord[u32Length++] = (char)c;
         else
@@ -430,9 +470,9 @@ static int ReadWord(char *sWord, uint32_t u32Max, bool *pbCut)
     if (c != EOF)
         PutBackChar(c); /* the blank after the word stays pending */
     gs_bLinePending = true;
-    if (gs_iStopSignal != 0)
-        return EOF; /* the signal may have cut the word short */
-    if (bNul)
+    if (SessionEnded())
+        return EOF;
+    if (bNoText)
         u32Length = 0;
     sWord[u32Length] = '\0';
     return (int)u32Length;

@@ -15,7 +15,8 @@
  * SIGHUP, SIGQUIT) and when standard output can no longer be written. At a
  * terminal, Ctrl-C ends only the command in progress: the menu then carries
  * on (ResumeAfterInterrupt), and answers are read with line editing and
- * history.
+ * history. Input is text: a non-blocking standard input is waited on, and a
+ * line that has not ended after 1 MiB ends the input.
  */
 #ifndef Q7_CONSOLE_H
 #define Q7_CONSOLE_H
