@@ -2,8 +2,9 @@
 would:
 - Ctrl-C inside a command abandons only that command and the group menu
   carries on; Ctrl-C at a menu leaves with status 130;
-- the up arrow recalls an earlier answer and an escape sequence is never
-  taken as an answer;
+- what Enter sends is what the screen shows: the up arrow recalls an earlier
+  answer; an unbound key (F5) leaves nothing in the line; a Unicode minus, a
+  no-break space and full-width digits are refused, never dropped;
 - Ctrl-\\ (SIGQUIT) finishes the command's restore, leaves with 131 and the
   terminal as it was found.
 Usage: terminal_test.py PROGRAM"""
@@ -63,9 +64,11 @@ class Terminal:
 
 MENU = "ENTER OPTION : "
 VERIFY = "    Verify write     (1=yes/0=no) ? "
+TX_SELECTOR = "0 = current active transmitter  1 = TX1 2 = TX2: "
+TX_POWER = "     Tx output power (double, -40 to +35 dBm) ? "
 BYTE_WRITE_TO_VERIFY = "7\r7\r100\r4\r1\r1\r1\r"  # WriteDSDBytes at 0x100, 4 random bytes, restore asked
 
-# ---- Ctrl-C and history -----------------------------------------------------
+# ---- Ctrl-C, history and the keys that must not change an answer ----------
 q7cal = Terminal([program])
 q7cal.prompt(MENU, "1\r")  # Configuration Commands
 q7cal.prompt(MENU, "4\r")  # Set device mode: Ctrl-C at its first prompt
@@ -83,6 +86,30 @@ q7cal.prompt(MENU, "\x1b[B\x1b[C\x1b[A\r")
 shown = q7cal.wait_for("GetBandConfig was SUCCESSFUL.")
 if "Sorry. Invalid option selected." in shown or "GetBandConfig:" not in shown:
     fail("the up arrow did not recall the answer 5:", shown.encode())
+
+# 1 and then F5, whose sequence the editor does not bind: entry 1 (Get Tx
+# attenuator settings) runs, not 15, and the bell says the key did nothing.
+q7cal.prompt(MENU, "-1\r")
+q7cal.prompt(MENU, "3\r")
+q7cal.prompt(MENU, "1\x1b[15~\r")
+shown = q7cal.wait_for(TX_SELECTOR)
+if "\a" not in shown or "5~" in shown:
+    fail("F5 was not dropped with the bell:", shown.encode())
+q7cal.prompt(TX_SELECTOR, "1\r")
+
+# Set Tx output power: answers that look like -20 or 20 but are not numbers
+# are refused; the plain -20 then reaches the device.
+q7cal.prompt(MENU, "4\r")
+for lookalike in ("\u221220", "2\u00a00", "\uff12\uff10"):
+    q7cal.prompt(TX_POWER, lookalike + "\r")
+    shown = q7cal.wait_for("Please enter a number.")
+    if "Not a number." not in shown or "SUCCESSFUL" in shown:
+        fail("%r was not refused:" % lookalike, shown.encode())
+q7cal.prompt(TX_POWER, "-20\r")
+q7cal.wait_for("SetTxOutputPower was SUCCESSFUL.")
+q7cal.prompt(MENU, "3\r")
+if "= -20" not in q7cal.wait_for("GetTxOutputPower was SUCCESSFUL."):
+    fail("the device does not have -20 dBm:", q7cal.seen)
 
 # Ctrl-C at a menu leaves through the normal exit.
 q7cal.type("\x03")
