@@ -13,6 +13,7 @@
 #include <stdlib.h>
 #include <string.h>
 #include <termios.h>
+#include <time.h>
 #include <unistd.h>
 
 #include "line_editor.h"
@@ -249,41 +250,122 @@ static uint32_t gs_u32LineBytes = 0;
 
 static const char *EditorPrompt(void) { return gs_sOutputTail; }
 
-/* Waits until the terminal has a byte; false when a stop signal has come,
- * also one that came before the wait began: the stop signals are blocked
- * while the flag is looked at, and let in only by ppoll itself, so a Ctrl-C
- * typed just as the prompt appears is never left waiting for a key. */
-static bool TerminalByteReady(void)
+/* While the editor reads a line it holds the terminal in a mode of its own:
+ * Ctrl-Z and SIGCONT are caught then, and answered in AwaitTerminalByte. */
+static volatile sig_atomic_t gs_iSuspendAsked = 0;
+static volatile sig_atomic_t gs_iContinued = 0;
+static struct sigaction gs_stSuspendBefore;
+static struct sigaction gs_stContinueBefore;
+
+static void OnSuspend(int iSignal)
 {
-    sigset_t stStops, stBefore;
-    sigemptyset(&stStops);
+    (void)iSignal;
+    gs_iSuspendAsked = 1;
+}
+
+static void OnContinue(int iSignal)
+{
+    (void)iSignal;
+    gs_iContinued = 1;
+}
+
+static void CatchTerminalStops(void)
+{
+    struct sigaction stAction;
+    memset(&stAction, 0, sizeof stAction);
+    sigemptyset(&stAction.sa_mask);
+    stAction.sa_flags = SA_RESTART; /* the editor's own reads and writes go on */
+    gs_iContinued = 0;              /* the editor draws a new line anyway */
+    stAction.sa_handler = OnContinue;
+    sigaction(SIGCONT, &stAction, &gs_stContinueBefore);
+    /* Where Ctrl-Z is ignored (no job control), it stays ignored. */
+    sigaction(SIGTSTP, NULL, &gs_stSuspendBefore);
+    stAction.sa_handler = OnSuspend;
+    if (gs_stSuspendBefore.sa_handler != SIG_IGN)
+        sigaction(SIGTSTP, &stAction, NULL);
+}
+
+static void ReleaseTerminalStops(void)
+{
+    sigaction(SIGTSTP, &gs_stSuspendBefore, NULL);
+    sigaction(SIGCONT, &gs_stContinueBefore, NULL);
+}
+
+/* Ctrl-Z at the editor, with SIGTSTP and SIGCONT blocked: the terminal is put
+ * back as it was found before the program stops, so the shell gets it as it
+ * left it, and a session continued in the background (kill %1) need not touch
+ * it again to finish its command. When the program goes on, the editor takes
+ * the terminal back and redraws its line (in AwaitTerminalByte). */
+static void StopAtTerminal(void)
+{
+    struct sigaction stDefault, stCaught;
+    memset(&stDefault, 0, sizeof stDefault);
+    stDefault.sa_handler = SIG_DFL;
+    sigemptyset(&stDefault.sa_mask);
+    sigset_t stSuspend, stContinue;
+    sigemptyset(&stSuspend);
+    sigaddset(&stSuspend, SIGTSTP);
+    sigemptyset(&stContinue);
+    sigaddset(&stContinue, SIGCONT);
+
+    SuspendLineEditor();
+    sigaction(SIGTSTP, &stDefault, &stCaught);
+    raise(SIGTSTP);
+    sigprocmask(SIG_UNBLOCK, &stSuspend, NULL); /* stopped here until continued */
+    sigprocmask(SIG_BLOCK, &stSuspend, NULL);
+    sigaction(SIGTSTP, &stCaught, NULL);
+    /* The SIGCONT that ended the stop is answered once, here. */
+    static const struct timespec stNoWait = {0, 0};
+    (void)sigtimedwait(&stContinue, NULL, &stNoWait);
+    gs_iContinued = 1;
+}
+
+/* Waits until the terminal has a byte. False when a stop signal came, also
+ * one that came before the wait began: the stop signals are blocked while the
+ * flags are looked at, and let in only by ppoll itself, so a Ctrl-C typed just
+ * as the prompt appears is never left waiting for a key. */
+static bool AwaitTerminalByte(void)
+{
+    sigset_t stBlocked, stBefore;
+    sigemptyset(&stBlocked);
     for (size_t i = 0; i < sizeof gs_aiStopSignals / sizeof gs_aiStopSignals[0]; i++)
-        sigaddset(&stStops, gs_aiStopSignals[i]);
-    sigprocmask(SIG_BLOCK, &stStops, &stBefore);
-    int iReady = 0;
-    while (gs_iStopSignal == 0 && iReady <= 0) {
-        struct pollfd stTerminal = {STDIN_FILENO, POLLIN, 0};
-        iReady = ppoll(&stTerminal, 1, NULL, &stBefore);
-        if (iReady < 0 && errno != EINTR)
+        sigaddset(&stBlocked, gs_aiStopSignals[i]);
+    sigaddset(&stBlocked, SIGTSTP);
+    sigaddset(&stBlocked, SIGCONT);
+    sigprocmask(SIG_BLOCK, &stBlocked, &stBefore);
+    bool bReady = false;
+    while (gs_iStopSignal == 0 && !bReady) {
+        if (gs_iSuspendAsked) {
+            gs_iSuspendAsked = 0;
+            StopAtTerminal();
+        }
+        /* Continued in the background, the editor waits for the terminal. */
+        if (gs_iContinued && tcgetpgrp(fileno(stdin)) == getpgrp()) {
+            gs_iContinued = 0;
+            ResumeLineEditor();
+        }
+        struct pollfd stTerminal = {fileno(stdin), POLLIN, 0};
+        int iCount = ppoll(&stTerminal, 1, NULL, &stBefore);
+        if (iCount < 0 && errno != EINTR)
             break; /* the read says what is wrong */
+        bReady = iCount > 0;
     }
     sigprocmask(SIG_SETMASK, &stBefore, NULL);
     return gs_iStopSignal == 0;
 }
 
 /* One byte of the terminal for the editor: 1, 0 at end of input, -1 when a
- * stop signal interrupts the read (the editor then gives up the line). */
+ * stop signal came while waiting or the terminal is gone (the editor then
+ * gives up the line). */
 static int ReadTerminalByte(unsigned char *pu8Byte)
 {
     for (;;) {
-        if (!TerminalByteReady())
+        if (!AwaitTerminalByte())
             return -1;
-        ssize_t iRead = read(STDIN_FILENO, pu8Byte, 1);
-        if (iRead == 1)
-            return 1;
-        if (iRead == 0)
-            return 0;
-        if (errno != EINTR || gs_iStopSignal != 0)
+        ssize_t iRead = read(fileno(stdin), pu8Byte, 1);
+        if (iRead >= 0)
+            return (int)iRead;
+        if (errno != EINTR && errno != EAGAIN && errno != EWOULDBLOCK)
             return -1;
     }
 }
@@ -317,7 +399,7 @@ static void KnowInputSource(void)
 }
 
 /* Reads the next line through the editor; false at end of input or when a
- * stop signal interrupted it. */
+ * stop signal came while it waited. */
 static bool EditLine(void)
 {
     /* The prompt is on the screen already: the editor draws it again over
@@ -325,7 +407,9 @@ static bool EditLine(void)
     FlushOutput();
     fputs("\r", gs_pLibraryStdout);
     fflush(gs_pLibraryStdout);
+    CatchTerminalStops();
     gs_sEditedLine = EditNextLine(&gs_iEditedLength);
+    ReleaseTerminalStops();
     gs_iEditedRead = 0;
     gs_sOutputTail[0] = '\0'; /* the editor ended the line on the screen */
     return gs_sEditedLine != NULL;

@@ -285,6 +285,22 @@ const char *EditNextLine(int *piLength)
     return gs_sLine;
 }
 
+void SuspendLineEditor(void)
+{
+    if (gs_pEditor != NULL)
+        gs_stLibedit.pfnSet(gs_pEditor, EL_PREP_TERM, 0);
+}
+
+void ResumeLineEditor(void)
+{
+    if (gs_pEditor == NULL)
+        return;
+    /* Whatever was done to the terminal meanwhile, it is the editor's again. */
+    gs_stLibedit.pfnSet(gs_pEditor, EL_PREP_TERM, 0);
+    gs_stLibedit.pfnSet(gs_pEditor, EL_PREP_TERM, 1);
+    gs_stLibedit.pfnSet(gs_pEditor, EL_REFRESH);
+}
+
 #else
 
 bool OpenLineEditor(FILE *pInput, FILE *pOutput, const char *(*pfnPrompt)(void),
@@ -302,5 +318,9 @@ const char *EditNextLine(int *piLength)
     *piLength = 0;
     return NULL;
 }
+
+void SuspendLineEditor(void) {}
+
+void ResumeLineEditor(void) {}
 
 #endif

@@ -25,4 +25,10 @@ bool OpenLineEditor(FILE *pInput, FILE *pOutput, const char *(*pfnPrompt)(void),
  * when the read was given up. */
 const char *EditNextLine(int *piLength);
 
+/* From within a read of EditNextLine: the terminal put back as it was found
+ * (before the program stops), and taken again with the prompt and the line
+ * redrawn (when it goes on in the foreground). */
+void SuspendLineEditor(void);
+void ResumeLineEditor(void);
+
 #endif /* Q7_LINE_EDITOR_H */

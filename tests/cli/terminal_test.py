@@ -1,12 +1,14 @@
 """q7cal at a terminal, typed at through a pseudo-terminal as an engineer
-would:
+would, directly and from an interactive bash with job control:
 - Ctrl-C inside a command abandons only that command and the group menu
   carries on; Ctrl-C at a menu leaves with status 130;
 - what Enter sends is what the screen shows: the up arrow recalls an earlier
   answer; an unbound key (F5) leaves nothing in the line; a Unicode minus, a
   no-break space and full-width digits are refused, never dropped;
 - Ctrl-\\ (SIGQUIT) finishes the command's restore, leaves with 131 and the
-  terminal as it was found.
+  terminal as it was found;
+- after Ctrl-Z and fg the prompt and the line are redrawn; a stopped session
+  ended by kill %1 makes its restore in the background without stopping again.
 Usage: terminal_test.py PROGRAM"""
 import os
 import pty
@@ -66,6 +68,7 @@ MENU = "ENTER OPTION : "
 VERIFY = "    Verify write     (1=yes/0=no) ? "
 TX_SELECTOR = "0 = current active transmitter  1 = TX1 2 = TX2: "
 TX_POWER = "     Tx output power (double, -40 to +35 dBm) ? "
+SHELL = "shell$ "
 BYTE_WRITE_TO_VERIFY = "7\r7\r100\r4\r1\r1\r1\r"  # WriteDSDBytes at 0x100, 4 random bytes, restore asked
 
 # ---- Ctrl-C, history and the keys that must not change an answer ----------
@@ -128,5 +131,39 @@ if q7cal.exit_status() != 128 + 3:
     fail("Ctrl-\\: not status 131")
 if termios.tcgetattr(q7cal.fd)[3] & (termios.ICANON | termios.ECHO) != termios.ICANON | termios.ECHO:
     fail("Ctrl-\\: the terminal is left without its line mode or echo")
+
+# ---- Job control from an interactive bash ----------------------------------
+shell = Terminal(["/bin/bash", "--norc", "--noprofile", "-i"], {"PS1": SHELL})
+shell.wait_for(SHELL)
+shell.type("set -b\r")  # a job's end is reported at once, not at the next prompt
+shell.wait_for(SHELL)
+shell.type(program + "\r")
+shell.prompt(MENU, "3\r")
+shell.prompt(MENU, "1")
+shell.wait_for("1")
+shell.type("\x1a")
+shell.wait_for("Stopped")
+shell.wait_for(SHELL)
+shell.type("fg\r")
+shell.wait_for(MENU + "1")  # the line typed before the stop, redrawn
+shell.type("5\r")
+shell.wait_for("GetFeedbackCalAttn was SUCCESSFUL.")  # entry 15, as the screen showed
+shell.prompt(MENU, "-1\r")
+shell.prompt(MENU, "-1\r")
+
+# kill %1 on a session stopped at the verify question (bash continues it
+# with SIGTERM in the background): the restore is made and the program ends.
+shell.wait_for(SHELL)
+shell.type(program + "\r")
+shell.prompt(MENU, BYTE_WRITE_TO_VERIFY)
+shell.prompt(VERIFY, "\x1a")
+shell.wait_for("Stopped")
+shell.wait_for(SHELL)
+shell.type("kill %1\r")
+shown = shell.wait_for("Closing application...")
+if "Interrupted by SIGTERM: command abandoned." not in shown or "Restoring original DSD values" not in shown:
+    fail("kill %1 on a stopped session: no restore:", shown.encode())
+shell.wait_for("Exit 143")
+shell.type("exit\r")
 
 print("terminal: all checks passed")
