@@ -9,9 +9,9 @@
 #include <signal.h>
 #include <stdarg.h>
 #include <stdio.h>
-#include <stdio_ext.h>
 #include <stdlib.h>
 #include <string.h>
+#include <sys/stat.h>
 #include <termios.h>
 #include <time.h>
 #include <unistd.h>
@@ -116,14 +116,20 @@ void OpenClosedStandardDescriptors(void)
     }
 }
 
+/* Standard output can no longer be written: the session ends like end of
+ * input, and the first error is the one reported. */
+static void NoteOutputFailed(int iError)
+{
+    if (!gs_bOutputFailed)
+        gs_iOutputError = iError;
+    gs_bOutputFailed = true;
+}
+
 /* Flushes what was printed; a failure ends the session like end of input. */
 static void FlushOutput(void)
 {
-    if (fflush(stdout) != 0 || ferror(stdout)) {
-        if (!gs_bOutputFailed)
-            gs_iOutputError = errno;
-        gs_bOutputFailed = true;
-    }
+    if (fflush(stdout) != 0 || ferror(stdout))
+        NoteOutputFailed(errno);
 }
 
 void PrintDeviceNotice(const char *sFormat, ...)
@@ -224,10 +230,12 @@ static const char *SignalName(int iSignal)
 
 /* Decided at the first read of a session: standard input is a terminal, and
  * (when the program's own output is a terminal too) answers come through the
- * line editor. */
+ * line editor; at a terminal, whether standard output is a pipe, whose reader
+ * may go away while an answer is awaited. */
 static bool gs_bSourceKnown = false;
 static bool gs_bTerminal = false;
 static bool gs_bEditing = false;
+static bool gs_bOutputPipe = false;
 /* A signal that comes after the flag was looked at but before a read of a
  * pipe or file began would leave that read waiting on a writer that may never
  * write again: piped input is ended at the signal, so the read finds end of
@@ -320,10 +328,13 @@ static void StopAtTerminal(void)
     gs_iContinued = 1;
 }
 
-/* Waits until the terminal has a byte. False when a stop signal came, also
- * one that came before the wait began: the stop signals are blocked while the
- * flags are looked at, and let in only by ppoll itself, so a Ctrl-C typed just
- * as the prompt appears is never left waiting for a key. */
+/* Waits until the terminal has a byte. False when the session ended while
+ * waiting: a stop signal came, also one that came before the wait began (the
+ * stop signals are blocked while the flags are looked at, and let in only by
+ * ppoll itself, so a Ctrl-C typed just as the prompt appears is never left
+ * waiting for a key), or the pipe that standard output writes to lost its
+ * reader (tee ended by the same Ctrl-C), which no later write may come to
+ * show. */
 static bool AwaitTerminalByte(void)
 {
     sigset_t stBlocked, stBefore;
@@ -334,7 +345,7 @@ static bool AwaitTerminalByte(void)
     sigaddset(&stBlocked, SIGCONT);
     sigprocmask(SIG_BLOCK, &stBlocked, &stBefore);
     bool bReady = false;
-    while (gs_iStopSignal == 0 && !bReady) {
+    while (gs_iStopSignal == 0 && !gs_bOutputFailed && !bReady) {
         if (gs_iSuspendAsked) {
             gs_iSuspendAsked = 0;
             StopAtTerminal();
@@ -344,19 +355,20 @@ static bool AwaitTerminalByte(void)
             gs_iContinued = 0;
             ResumeLineEditor();
         }
-        struct pollfd stTerminal = {fileno(stdin), POLLIN, 0};
-        int iCount = ppoll(&stTerminal, 1, NULL, &stBefore);
+        struct pollfd astWatched[] = {{fileno(stdin), POLLIN, 0}, {STDOUT_FILENO, 0, 0}};
+        int iCount = ppoll(astWatched, gs_bOutputPipe ? 2 : 1, NULL, &stBefore);
         if (iCount < 0 && errno != EINTR)
             break; /* the read says what is wrong */
-        bReady = iCount > 0;
+        if (iCount > 0 && astWatched[1].revents != 0)
+            NoteOutputFailed(EPIPE); /* the pipe's reader has gone */
+        bReady = iCount > 0 && astWatched[0].revents != 0;
     }
     sigprocmask(SIG_SETMASK, &stBefore, NULL);
-    return gs_iStopSignal == 0;
+    return gs_iStopSignal == 0 && !gs_bOutputFailed;
 }
 
-/* One byte of the terminal for the editor: 1, 0 at end of input, -1 when a
- * stop signal came while waiting or the terminal is gone (the editor then
- * gives up the line). */
+/* One byte of the terminal: 1, 0 at end of input, -1 when the session ended
+ * while waiting or the terminal is gone (the editor then gives up the line). */
 static int ReadTerminalByte(unsigned char *pu8Byte)
 {
     for (;;) {
@@ -391,6 +403,8 @@ static void KnowInputSource(void)
         return;
     gs_bSourceKnown = true;
     gs_bTerminal = isatty(fileno(stdin)) != 0;
+    struct stat stOutput;
+    gs_bOutputPipe = gs_bTerminal && fstat(STDOUT_FILENO, &stOutput) == 0 && S_ISFIFO(stOutput.st_mode);
     /* Editing needs the terminal for its echo: with output going to a pipe
      * or file, the terminal's own line editing serves. */
     gs_bEditing = gs_bTerminal && fileno(stdin) == STDIN_FILENO && isatty(STDOUT_FILENO) &&
@@ -398,8 +412,8 @@ static void KnowInputSource(void)
                   OpenLineEditor(stdin, gs_pLibraryStdout, EditorPrompt, ReadTerminalByte);
 }
 
-/* Reads the next line through the editor; false at end of input or when a
- * stop signal came while it waited. */
+/* Reads the next line through the editor; false at end of input or when the
+ * session ended while it waited. */
 static bool EditLine(void)
 {
     /* The prompt is on the screen already: the editor draws it again over
@@ -433,7 +447,14 @@ static int NextChar(void)
     }
     if (gs_bInputEnded)
         return EOF;
-    c = gs_bEditing ? ReadEditedChar() : ReadPipedChar();
+    if (gs_bEditing) {
+        c = ReadEditedChar();
+    } else if (gs_bTerminal) {
+        unsigned char u8Byte = 0;
+        c = ReadTerminalByte(&u8Byte) == 1 ? u8Byte : EOF;
+    } else {
+        c = ReadPipedChar();
+    }
     if (c == '\n') {
         gs_u32LineBytes = 0;
     } else if (c != EOF && ++gs_u32LineBytes > INPUT_LINE_LIMIT) {
@@ -450,7 +471,6 @@ static void DropTypedAhead(void)
 {
     gs_iPutBack = EOF;
     gs_iEditedRead = gs_iEditedLength;
-    __fpurge(stdin);
     tcflush(fileno(stdin), TCIFLUSH);
     gs_bLinePending = false;
     gs_u32LineBytes = 0;

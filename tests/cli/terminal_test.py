@@ -8,11 +8,14 @@ would, directly and from an interactive bash with job control:
 - Ctrl-\\ (SIGQUIT) finishes the command's restore, leaves with 131 and the
   terminal as it was found;
 - after Ctrl-Z and fg the prompt and the line are redrawn; a stopped session
-  ended by kill %1 makes its restore in the background without stopping again.
+  ended by kill %1 makes its restore in the background without stopping again;
+- with standard output a pipe, a reader that goes away while an answer is
+  awaited ends the session at once with status 4.
 Usage: terminal_test.py PROGRAM"""
 import os
 import pty
 import select
+import subprocess
 import sys
 import termios
 import time
@@ -165,5 +168,25 @@ if "Interrupted by SIGTERM: command abandoned." not in shown or "Restoring origi
     fail("kill %1 on a stopped session: no restore:", shown.encode())
 shell.wait_for("Exit 143")
 shell.type("exit\r")
+
+# ---- Standard output a pipe whose reader goes away ------------------------
+terminal, keyboard = os.openpty()
+piped = subprocess.Popen([program], stdin=keyboard, stdout=subprocess.PIPE, stderr=subprocess.PIPE)
+os.close(keyboard)
+printed = b""
+while not printed.endswith(MENU.encode()):
+    chunk = os.read(piped.stdout.fileno(), 4096)
+    if not chunk:
+        fail("standard output a pipe: the program ended before its menu:", printed)
+    printed += chunk
+piped.stdout.close()
+try:
+    status = piped.wait(timeout=20)
+except subprocess.TimeoutExpired:
+    piped.kill()
+    fail("standard output a pipe: still waiting for an answer after its reader went away")
+if status != 4 or b"write error on standard output" not in piped.stderr.read():
+    fail("standard output a pipe whose reader went away: status %d, not 4 with a line on stderr" % status)
+os.close(terminal)
 
 print("terminal: all checks passed")
