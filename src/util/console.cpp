@@ -515,8 +515,13 @@ static bool ReadyToRead(void)
     return !SessionEnded();
 }
 
-const char *WhySessionEnded(void)
+/* Ctrl-C at a terminal ends only the command: the session goes on. */
+static bool OnlyTheCommandInterrupted(void) { return gs_iStopSignal == SIGINT && gs_bTerminal; }
+
+const char *WhyCommandEnded(void)
 {
+    if (OnlyTheCommandInterrupted())
+        return "the command was interrupted";
     if (gs_iStopSignal != 0)
         return "the session was interrupted";
     return gs_bOutputFailed ? "standard output could not be written" : "input ended";
@@ -527,7 +532,7 @@ int AbandonCommand(void)
     if (gs_bAbandonAnnounced)
         return -1;
     gs_bAbandonAnnounced = true;
-    if (gs_iStopSignal == SIGINT && gs_bTerminal)
+    if (OnlyTheCommandInterrupted())
         printf("\nInterrupted: command abandoned.\n");
     else if (gs_iStopSignal != 0)
         printf("\nInterrupted by %s: command abandoned.\n", SignalName(gs_iStopSignal));

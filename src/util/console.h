@@ -55,10 +55,11 @@ bool ReadDouble(double *pdValue, const char *sPromptFormat, ...) __attribute__((
  * stop signal arrived, or standard output could not be written. */
 bool SessionEnded(void);
 
-/* Why the session ended, for a line that ends "because ...": "input ended",
- * "the session was interrupted" (by a stop signal) or "standard output could
- * not be written". */
-const char *WhySessionEnded(void);
+/* Why the command in progress ends early, for a line that ends "because
+ * ...": "input ended", "the command was interrupted" (Ctrl-C at a terminal,
+ * after which the session goes on), "the session was interrupted" (by a stop
+ * signal) or "standard output could not be written". */
+const char *WhyCommandEnded(void);
 
 /* Prints, once per command, the line that says why the command in progress
  * is abandoned (end of input, or the signal); returns -1. */

@@ -1,7 +1,8 @@
 """q7cal at a terminal, typed at through a pseudo-terminal as an engineer
 would, directly and from an interactive bash with job control:
 - Ctrl-C inside a command abandons only that command and the group menu
-  carries on; Ctrl-C at a menu leaves with status 130;
+  carries on (a region write's WARNING says the command was interrupted);
+  Ctrl-C at a menu leaves with status 130;
 - what Enter sends is what the screen shows: the up arrow recalls an earlier
   answer; an unbound key (F5) leaves nothing in the line; a Unicode minus, a
   no-break space and full-width digits are refused, never dropped;
@@ -116,6 +117,16 @@ q7cal.wait_for("SetTxOutputPower was SUCCESSFUL.")
 q7cal.prompt(MENU, "3\r")
 if "= -20" not in q7cal.wait_for("GetTxOutputPower was SUCCESSFUL."):
     fail("the device does not have -20 dBm:", q7cal.seen)
+
+# Ctrl-C at a region write's verify question: the data stays written, the
+# WARNING says why, and the session goes on.
+q7cal.prompt(MENU, "-1\r")
+q7cal.prompt(MENU, "7\r")
+q7cal.prompt(MENU, "9\r5\r1\r10\r")
+q7cal.prompt(VERIFY, "\x03")
+shown = q7cal.wait_for("\r" + MENU)
+if "WARNING: Original data not restored, because the command was interrupted." not in shown:
+    fail("Ctrl-C after a region write: no WARNING that the command was interrupted:", shown.encode())
 
 # Ctrl-C at a menu leaves through the normal exit.
 q7cal.type("\x03")

@@ -155,7 +155,7 @@ TEST(SessionEnd, AStopSignalOrAFailedOutputEndsInputAtTheNextRead)
         setvbuf(stdout, nullptr, _IONBF, 0);  // the write fails at once, the flush has nothing left
         EXPECT_FALSE(ReadUnsigned(&value, "N? "));
         EXPECT_TRUE(SessionEnded());
-        EXPECT_STREQ(WhySessionEnded(), "standard output could not be written");
+        EXPECT_STREQ(WhyCommandEnded(), "standard output could not be written");
         written = FinishOutput();
         std::fclose(stdout);
         stdout = captured;
