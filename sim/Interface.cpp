@@ -5,6 +5,7 @@
 namespace q7sim {
 
 const char kInvalidHandleText[] = "Invalid Cal API interface handle";
+const char kGarbledChannelText[] = "Device channel garbled by bytes that the library did not send";
 const char kNotConnectedText[] = "Device not connected";
 
 namespace {

@@ -5,6 +5,9 @@
 #ifndef Q7SIM_INTERFACE_H
 #define Q7SIM_INTERFACE_H
 
+#include <sys/socket.h>
+#include <unistd.h>
+
 #include <string>
 #include <utility>
 
@@ -12,7 +15,42 @@
 #include "Faults.h"
 #include "Q7CalAPI.h"
 
+// The channel to the device that the library holds open with the interface:
+// here a socket pair whose ends the library keeps both. Like a real channel
+// it takes the lowest descriptor numbers free, and bytes that reach it from
+// elsewhere (a program writing to a number it took for its own standard
+// output) garble the device's protocol: every operation fails from then on.
+class DeviceChannel {
+public:
+    DeviceChannel()
+    {
+        if (socketpair(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0, ends_) != 0)
+            ends_[0] = ends_[1] = -1;
+    }
+    DeviceChannel(const DeviceChannel &) = delete;
+    DeviceChannel &operator=(const DeviceChannel &) = delete;
+    ~DeviceChannel()
+    {
+        for (int end : ends_)
+            if (end >= 0)
+                close(end);
+    }
+    // The library itself never writes to the channel here.
+    bool Garbled() const
+    {
+        char byte = 0;
+        for (int end : ends_)
+            if (end >= 0 && recv(end, &byte, 1, MSG_PEEK | MSG_DONTWAIT) > 0)
+                return true;
+        return false;
+    }
+
+private:
+    int ends_[2];
+};
+
 struct Q7_CalInterface {
+    DeviceChannel channel;
     q7sim::Device device;
     unsigned connectAttempts = 0;
     std::string lastError;
@@ -27,6 +65,7 @@ struct Q7_CalInterface {
 namespace q7sim {
 
 extern const char kInvalidHandleText[];
+extern const char kGarbledChannelText[];
 extern const char kNotConnectedText[];
 
 // Opens the interface (a factory-fresh device) or returns the one already open.
@@ -46,6 +85,8 @@ ApiStatus Dispatch(CalInterfaceHandle handle, const char *name, Requires require
     Q7_CalInterface *itf = FindInterface(handle);
     if (itf == nullptr)
         return kInvalidHandleText;
+    if (itf->channel.Garbled())
+        return kGarbledChannelText;
     itf->device.Tick();
     if (auto failure = Faults().TakeFailure(name))
         return itf->Fail(*failure);

@@ -24,9 +24,9 @@ static const char sHelpText[] =
     "  2      a wrong command line\n"
     "  3      input ended inside a command\n"
     "  4      standard output could not be written (this wins over 3)\n"
-    "  128+N  after signal N: SIGINT, SIGTERM and SIGHUP are taken at the next\n"
-    "         safe point (restores made, device mode popped, normal exit); a\n"
-    "         second SIGINT ends the program at once\n"
+    "  128+N  after signal N: SIGINT, SIGTERM, SIGHUP and SIGQUIT are taken at\n"
+    "         the next safe point (restores made, device mode popped, normal\n"
+    "         exit); a second SIGINT ends the program at once\n"
     "See q7cal(1) for the menu groups and the rules for scripts.\n";
 
 /* Prints the text; 0, or 4 after a line on stderr when standard output
@@ -52,26 +52,35 @@ int HandleCommandLine(int argc, char *argv[])
         {"help", no_argument, NULL, 'h'}, {"version", no_argument, NULL, 'V'}, {NULL, 0, NULL, 0}};
     char sVersion[64];
     char sUnknown[3] = {'-', '\0', '\0'};
+    int iAsked = 0; /* 'h' or 'V': the first asked for */
 
     opterr = 0; /* the wrong argument is named below, in the program's own words */
     optind = 1;
-    int iOption = getopt_long(argc, argv, "hV", astOptions, NULL);
-    switch (iOption) {
-    case 'h':
-        return PrintAndFlush(sHelpText);
-    case 'V':
-        snprintf(sVersion, sizeof sVersion, "q7cal %s\n", Q7CAL_VERSION);
-        return PrintAndFlush(sVersion);
-    case -1:
-        if (optind < argc)
-            return WrongArgument("unexpected argument", argv[optind]);
-        return COMMAND_LINE_RUN;
-    default:
+    for (;;) {
+        const int iElement = optind; /* the argument being read */
+        /* "+": the options end at the first operand, whatever POSIXLY_CORRECT says. */
+        const int iOption = getopt_long(argc, argv, "+hV", astOptions, NULL);
+        if (iOption == -1)
+            break;
+        if (iOption == 'h' || iOption == 'V') {
+            if (iAsked == 0)
+                iAsked = iOption;
+            continue;
+        }
         /* A long option as it was typed; a short one by its letter, which may
-         * stand inside a cluster ("-xV"). */
-        if (optind > 1 && strncmp(argv[optind - 1], "--", 2) == 0)
-            return WrongArgument("unknown option", argv[optind - 1]);
+         * stand inside a cluster ("-hx"). */
+        if (strncmp(argv[iElement], "--", 2) == 0)
+            return WrongArgument("unknown option", argv[iElement]);
         sUnknown[1] = (char)optopt;
         return WrongArgument("unknown option", sUnknown);
     }
+    if (optind < argc)
+        return WrongArgument("unexpected argument", argv[optind]);
+    if (iAsked == 'h')
+        return PrintAndFlush(sHelpText);
+    if (iAsked == 'V') {
+        snprintf(sVersion, sizeof sVersion, "q7cal %s\n", Q7CAL_VERSION);
+        return PrintAndFlush(sVersion);
+    }
+    return COMMAND_LINE_RUN;
 }

@@ -21,6 +21,7 @@ static int ExitStatus(bool bCommandCutShort)
 
 int main(int argc, char *argv[])
 {
+    OpenClosedStandardDescriptors();
     int iStatus = HandleCommandLine(argc, argv);
     if (iStatus != COMMAND_LINE_RUN)
         return iStatus;

@@ -103,7 +103,7 @@ static int WriteRegion(const DsdRange *pRange, const DsdAreas *pAreas, uint32_t 
 
     /* The session ending before the restore question leaves the data written. */
     if (!ReadUnsigned(&u32Verify, VERIFY_PROMPT))
-        return WarnNotRestored("%s", WhySessionEnded());
+        return WarnNotRestored("%s", WhyCommandEnded());
     if (u32Verify != 0) {
         FillArea(pAreas->pu8ReadBack, pRange->u32Size, 0);
         if (ReportReadError(ReadRange(pRange, pAreas->pu8ReadBack, &u32Returned)))
@@ -113,7 +113,7 @@ static int WriteRegion(const DsdRange *pRange, const DsdAreas *pAreas, uint32_t 
         printf("\n\n%u" TEXT_VERIFY_ERRORS "\n", u32Errors);
     }
     if (!ReadUnsigned(&u32Restore, RESTORE_PROMPT))
-        return WarnNotRestored("%s", WhySessionEnded());
+        return WarnNotRestored("%s", WhyCommandEnded());
     if (u32Restore != 0 && RestoreAndConfirm(pRange, pAreas, RESTORING_LINE, ShowRestoredRegionBytes) != 0)
         return -1;
     return u32Errors == 0 ? 0 : -1;

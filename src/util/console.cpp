@@ -9,10 +9,11 @@
 #include <signal.h>
 #include <stdarg.h>
 #include <stdio.h>
-#include <stdio_ext.h>
 #include <stdlib.h>
 #include <string.h>
+#include <sys/stat.h>
 #include <termios.h>
+#include <time.h>
 #include <unistd.h>
 
 #include "line_editor.h"
@@ -22,6 +23,10 @@
 #define PROMPT_MAX 512
 /* Longer answers are not numbers any reader could take. */
 #define ANSWER_WORD_MAX 63u
+/* No answer comes further into its line than this: input there is no text. */
+#define ANSWER_LINE_MAX 65536u
+/* A line that has not ended by then never will (/dev/zero): the input ends. */
+#define INPUT_LINE_LIMIT (16u * ANSWER_LINE_MAX)
 
 static char gs_sPadBuffer[PAD_STRING_MAX + 1];
 
@@ -99,14 +104,32 @@ static void WriteThroughResumingStream(void)
     stdout = pStream;
 }
 
+void OpenClosedStandardDescriptors(void)
+{
+    /* Standard output is opened for reading only, so that its first write
+     * fails as a write to a closed descriptor does. */
+    static const int aiFlags[] = {O_RDONLY, O_RDONLY, O_WRONLY};
+    for (int iDescriptor = 0; iDescriptor <= STDERR_FILENO; iDescriptor++) {
+        /* open() hands out the lowest free number: this one. */
+        if (fcntl(iDescriptor, F_GETFD) < 0 && errno == EBADF)
+            (void)open("/dev/null", aiFlags[iDescriptor]);
+    }
+}
+
+/* Standard output can no longer be written: the session ends like end of
+ * input, and the first error is the one reported. */
+static void NoteOutputFailed(int iError)
+{
+    if (!gs_bOutputFailed)
+        gs_iOutputError = iError;
+    gs_bOutputFailed = true;
+}
+
 /* Flushes what was printed; a failure ends the session like end of input. */
 static void FlushOutput(void)
 {
-    if (fflush(stdout) != 0 || ferror(stdout)) {
-        if (!gs_bOutputFailed)
-            gs_iOutputError = errno;
-        gs_bOutputFailed = true;
-    }
+    if (fflush(stdout) != 0 || ferror(stdout))
+        NoteOutputFailed(errno);
 }
 
 void PrintDeviceNotice(const char *sFormat, ...)
@@ -139,6 +162,9 @@ bool FinishOutput(void)
 
 static void EndPipedInput(void);
 
+/* The signals that end the session. */
+static const int gs_aiStopSignals[] = {SIGINT, SIGTERM, SIGHUP, SIGQUIT};
+
 static void OnStopSignal(int iSignal)
 {
     const int iSavedErrno = errno;
@@ -153,7 +179,7 @@ static void OnStopSignal(int iSignal)
         if (gs_iStopSignal == 0)
             gs_iStopSignal = SIGINT;
     } else if (gs_iStopSignal == 0 || gs_iStopSignal == SIGINT) {
-        /* SIGTERM and SIGHUP end the session whatever came before. */
+        /* SIGTERM, SIGHUP and SIGQUIT end the session whatever came before. */
         gs_iStopSignal = iSignal;
     }
     EndPipedInput();
@@ -172,14 +198,15 @@ void CatchStopSignals(void)
     stAction.sa_handler = OnStopSignal;
     sigemptyset(&stAction.sa_mask);
     stAction.sa_flags = 0; /* no SA_RESTART: a blocking read or sleep returns */
-    const int aiSignals[] = {SIGINT, SIGTERM, SIGHUP};
-    for (size_t i = 0; i < sizeof aiSignals / sizeof aiSignals[0]; i++) {
+    for (size_t i = 0; i < sizeof gs_aiStopSignals / sizeof gs_aiStopSignals[0]; i++) {
         struct sigaction stBefore;
         /* A signal the caller ignores (nohup, a background job) stays ignored. */
-        if (sigaction(aiSignals[i], NULL, &stBefore) == 0 && stBefore.sa_handler != SIG_IGN)
-            sigaction(aiSignals[i], &stAction, NULL);
+        if (sigaction(gs_aiStopSignals[i], NULL, &stBefore) == 0 && stBefore.sa_handler != SIG_IGN)
+            sigaction(gs_aiStopSignals[i], &stAction, NULL);
     }
+    /* A closed pipe and a file-size limit are output errors, not deaths. */
     signal(SIGPIPE, SIG_IGN);
+    signal(SIGXFSZ, SIG_IGN);
     WriteThroughResumingStream();
 }
 
@@ -192,6 +219,8 @@ static const char *SignalName(int iSignal)
         return "SIGTERM";
     case SIGHUP:
         return "SIGHUP";
+    case SIGQUIT:
+        return "SIGQUIT";
     default:
         return "a signal";
     }
@@ -201,10 +230,12 @@ static const char *SignalName(int iSignal)
 
 /* Decided at the first read of a session: standard input is a terminal, and
  * (when the program's own output is a terminal too) answers come through the
- * line editor. */
+ * line editor; at a terminal, whether standard output is a pipe, whose reader
+ * may go away while an answer is awaited. */
 static bool gs_bSourceKnown = false;
 static bool gs_bTerminal = false;
 static bool gs_bEditing = false;
+static bool gs_bOutputPipe = false;
 /* A signal that comes after the flag was looked at but before a read of a
  * pipe or file began would leave that read waiting on a writer that may never
  * write again: piped input is ended at the signal, so the read finds end of
@@ -220,46 +251,149 @@ static void EndPipedInput(void)
 static const char *gs_sEditedLine = NULL;
 static int gs_iEditedLength = 0;
 static int gs_iEditedRead = 0;
+/* A character read one too far, to be read again; EOF when there is none. */
+static int gs_iPutBack = EOF;
+/* How far into its line the input has been read. */
+static uint32_t gs_u32LineBytes = 0;
 
 static const char *EditorPrompt(void) { return gs_sOutputTail; }
 
-/* Waits until the terminal has a byte; false when a stop signal has come,
- * also one that came before the wait began: the stop signals are blocked
- * while the flag is looked at, and let in only by ppoll itself, so a Ctrl-C
- * typed just as the prompt appears is never left waiting for a key. */
-static bool TerminalByteReady(void)
+/* While the editor reads a line it holds the terminal in a mode of its own:
+ * Ctrl-Z and SIGCONT are caught then, and answered in AwaitTerminalByte. */
+static volatile sig_atomic_t gs_iSuspendAsked = 0;
+static volatile sig_atomic_t gs_iContinued = 0;
+static struct sigaction gs_stSuspendBefore;
+static struct sigaction gs_stContinueBefore;
+
+static void OnSuspend(int iSignal)
 {
-    sigset_t stStops, stBefore;
-    sigemptyset(&stStops);
-    sigaddset(&stStops, SIGINT);
-    sigaddset(&stStops, SIGTERM);
-    sigaddset(&stStops, SIGHUP);
-    sigprocmask(SIG_BLOCK, &stStops, &stBefore);
-    int iReady = 0;
-    while (gs_iStopSignal == 0 && iReady <= 0) {
-        struct pollfd stTerminal = {STDIN_FILENO, POLLIN, 0};
-        iReady = ppoll(&stTerminal, 1, NULL, &stBefore);
-        if (iReady < 0 && errno != EINTR)
-            break; /* the read says what is wrong */
-    }
-    sigprocmask(SIG_SETMASK, &stBefore, NULL);
-    return gs_iStopSignal == 0;
+    (void)iSignal;
+    gs_iSuspendAsked = 1;
 }
 
-/* One byte of the terminal for the editor: 1, 0 at end of input, -1 when a
- * stop signal interrupts the read (the editor then gives up the line). */
+static void OnContinue(int iSignal)
+{
+    (void)iSignal;
+    gs_iContinued = 1;
+}
+
+static void CatchTerminalStops(void)
+{
+    struct sigaction stAction;
+    memset(&stAction, 0, sizeof stAction);
+    sigemptyset(&stAction.sa_mask);
+    stAction.sa_flags = SA_RESTART; /* the editor's own reads and writes go on */
+    gs_iContinued = 0;              /* the editor draws a new line anyway */
+    stAction.sa_handler = OnContinue;
+    sigaction(SIGCONT, &stAction, &gs_stContinueBefore);
+    /* Where Ctrl-Z is ignored (no job control), it stays ignored. */
+    sigaction(SIGTSTP, NULL, &gs_stSuspendBefore);
+    stAction.sa_handler = OnSuspend;
+    if (gs_stSuspendBefore.sa_handler != SIG_IGN)
+        sigaction(SIGTSTP, &stAction, NULL);
+}
+
+static void ReleaseTerminalStops(void)
+{
+    sigaction(SIGTSTP, &gs_stSuspendBefore, NULL);
+    sigaction(SIGCONT, &gs_stContinueBefore, NULL);
+}
+
+/* Ctrl-Z at the editor, with SIGTSTP and SIGCONT blocked: the terminal is put
+ * back as it was found before the program stops, so the shell gets it as it
+ * left it, and a session continued in the background (kill %1) need not touch
+ * it again to finish its command. When the program goes on, the editor takes
+ * the terminal back and redraws its line (in AwaitTerminalByte). */
+static void StopAtTerminal(void)
+{
+    struct sigaction stDefault, stCaught;
+    memset(&stDefault, 0, sizeof stDefault);
+    stDefault.sa_handler = SIG_DFL;
+    sigemptyset(&stDefault.sa_mask);
+    sigset_t stSuspend, stContinue;
+    sigemptyset(&stSuspend);
+    sigaddset(&stSuspend, SIGTSTP);
+    sigemptyset(&stContinue);
+    sigaddset(&stContinue, SIGCONT);
+
+    SuspendLineEditor();
+    sigaction(SIGTSTP, &stDefault, &stCaught);
+    raise(SIGTSTP);
+    sigprocmask(SIG_UNBLOCK, &stSuspend, NULL); /* stopped here until continued */
+    sigprocmask(SIG_BLOCK, &stSuspend, NULL);
+    sigaction(SIGTSTP, &stCaught, NULL);
+    /* The SIGCONT that ended the stop is answered once, here. */
+    static const struct timespec stNoWait = {0, 0};
+    (void)sigtimedwait(&stContinue, NULL, &stNoWait);
+    gs_iContinued = 1;
+}
+
+/* Waits until the terminal has a byte. False when the session ended while
+ * waiting: a stop signal came, also one that came before the wait began (the
+ * stop signals are blocked while the flags are looked at, and let in only by
+ * ppoll itself, so a Ctrl-C typed just as the prompt appears is never left
+ * waiting for a key), or the pipe that standard output writes to lost its
+ * reader (tee ended by the same Ctrl-C), which no later write may come to
+ * show. */
+static bool AwaitTerminalByte(void)
+{
+    sigset_t stBlocked, stBefore;
+    sigemptyset(&stBlocked);
+    for (size_t i = 0; i < sizeof gs_aiStopSignals / sizeof gs_aiStopSignals[0]; i++)
+        sigaddset(&stBlocked, gs_aiStopSignals[i]);
+    sigaddset(&stBlocked, SIGTSTP);
+    sigaddset(&stBlocked, SIGCONT);
+    sigprocmask(SIG_BLOCK, &stBlocked, &stBefore);
+    bool bReady = false;
+    while (gs_iStopSignal == 0 && !gs_bOutputFailed && !bReady) {
+        if (gs_iSuspendAsked) {
+            gs_iSuspendAsked = 0;
+            StopAtTerminal();
+        }
+        /* Continued in the background, the editor waits for the terminal. */
+        if (gs_iContinued && tcgetpgrp(fileno(stdin)) == getpgrp()) {
+            gs_iContinued = 0;
+            ResumeLineEditor();
+        }
+        struct pollfd astWatched[] = {{fileno(stdin), POLLIN, 0}, {STDOUT_FILENO, 0, 0}};
+        int iCount = ppoll(astWatched, gs_bOutputPipe ? 2 : 1, NULL, &stBefore);
+        if (iCount < 0 && errno != EINTR)
+            break; /* the read says what is wrong */
+        if (iCount > 0 && astWatched[1].revents != 0)
+            NoteOutputFailed(EPIPE); /* the pipe's reader has gone */
+        bReady = iCount > 0 && astWatched[0].revents != 0;
+    }
+    sigprocmask(SIG_SETMASK, &stBefore, NULL);
+    return gs_iStopSignal == 0 && !gs_bOutputFailed;
+}
+
+/* One byte of the terminal: 1, 0 at end of input, -1 when the session ended
+ * while waiting or the terminal is gone (the editor then gives up the line). */
 static int ReadTerminalByte(unsigned char *pu8Byte)
 {
     for (;;) {
-        if (!TerminalByteReady())
+        if (!AwaitTerminalByte())
             return -1;
-        ssize_t iRead = read(STDIN_FILENO, pu8Byte, 1);
-        if (iRead == 1)
-            return 1;
-        if (iRead == 0)
-            return 0;
-        if (errno != EINTR || gs_iStopSignal != 0)
+        ssize_t iRead = read(fileno(stdin), pu8Byte, 1);
+        if (iRead >= 0)
+            return (int)iRead;
+        if (errno != EINTR && errno != EAGAIN && errno != EWOULDBLOCK)
             return -1;
+    }
+}
+
+/* The next byte of a pipe or file; a non-blocking one is waited on until a
+ * byte or its true end comes. */
+static int ReadPipedChar(void)
+{
+    for (;;) {
+        int c = getchar();
+        if (c != EOF || !ferror(stdin) || (errno != EAGAIN && errno != EWOULDBLOCK))
+            return c;
+        clearerr(stdin);
+        struct pollfd stInput = {fileno(stdin), POLLIN, 0};
+        if (poll(&stInput, 1, -1) < 0 && gs_iStopSignal != 0)
+            return EOF;
     }
 }
 
@@ -269,6 +403,8 @@ static void KnowInputSource(void)
         return;
     gs_bSourceKnown = true;
     gs_bTerminal = isatty(fileno(stdin)) != 0;
+    struct stat stOutput;
+    gs_bOutputPipe = gs_bTerminal && fstat(STDOUT_FILENO, &stOutput) == 0 && S_ISFIFO(stOutput.st_mode);
     /* Editing needs the terminal for its echo: with output going to a pipe
      * or file, the terminal's own line editing serves. */
     gs_bEditing = gs_bTerminal && fileno(stdin) == STDIN_FILENO && isatty(STDOUT_FILENO) &&
@@ -276,8 +412,8 @@ static void KnowInputSource(void)
                   OpenLineEditor(stdin, gs_pLibraryStdout, EditorPrompt, ReadTerminalByte);
 }
 
-/* Reads the next line through the editor; false at end of input or when a
- * stop signal interrupted it. */
+/* Reads the next line through the editor; false at end of input or when the
+ * session ended while it waited. */
 static bool EditLine(void)
 {
     /* The prompt is on the screen already: the editor draws it again over
@@ -285,37 +421,59 @@ static bool EditLine(void)
     FlushOutput();
     fputs("\r", gs_pLibraryStdout);
     fflush(gs_pLibraryStdout);
+    CatchTerminalStops();
     gs_sEditedLine = EditNextLine(&gs_iEditedLength);
+    ReleaseTerminalStops();
     gs_iEditedRead = 0;
     gs_sOutputTail[0] = '\0'; /* the editor ended the line on the screen */
     return gs_sEditedLine != NULL;
 }
 
-/* The next character of input, or EOF. */
-static int NextChar(void)
+static int ReadEditedChar(void)
 {
-    if (!gs_bEditing)
-        return getchar();
     if (gs_iEditedRead >= gs_iEditedLength && !EditLine())
         return EOF;
     return (unsigned char)gs_sEditedLine[gs_iEditedRead++];
 }
 
-static void PutBackChar(int c)
+/* The next character of input, or EOF. A line that runs on past
+ * INPUT_LINE_LIMIT ends the input: no text has such lines. */
+static int NextChar(void)
 {
-    if (!gs_bEditing)
-        ungetc(c, stdin);
-    else if (gs_iEditedRead > 0)
-        gs_iEditedRead--;
+    int c = gs_iPutBack;
+    if (c != EOF) {
+        gs_iPutBack = EOF;
+        return c;
+    }
+    if (gs_bInputEnded)
+        return EOF;
+    if (gs_bEditing) {
+        c = ReadEditedChar();
+    } else if (gs_bTerminal) {
+        unsigned char u8Byte = 0;
+        c = ReadTerminalByte(&u8Byte) == 1 ? u8Byte : EOF;
+    } else {
+        c = ReadPipedChar();
+    }
+    if (c == '\n') {
+        gs_u32LineBytes = 0;
+    } else if (c != EOF && ++gs_u32LineBytes > INPUT_LINE_LIMIT) {
+        gs_bInputEnded = true;
+        c = EOF;
+    }
+    return c;
 }
+
+static void PutBackChar(int c) { gs_iPutBack = c; }
 
 /* Everything typed ahead at a terminal is dropped. */
 static void DropTypedAhead(void)
 {
+    gs_iPutBack = EOF;
     gs_iEditedRead = gs_iEditedLength;
-    __fpurge(stdin);
     tcflush(fileno(stdin), TCIFLUSH);
     gs_bLinePending = false;
+    gs_u32LineBytes = 0;
 }
 
 void ResetInputState(void)
@@ -329,6 +487,8 @@ void ResetInputState(void)
     gs_bAbandonAnnounced = false;
     gs_bSourceKnown = false;
     gs_iEditedRead = gs_iEditedLength = 0;
+    gs_iPutBack = EOF;
+    gs_u32LineBytes = 0;
     clearerr(stdin);
 }
 
@@ -355,8 +515,13 @@ static bool ReadyToRead(void)
     return !SessionEnded();
 }
 
-const char *WhySessionEnded(void)
+/* Ctrl-C at a terminal ends only the command: the session goes on. */
+static bool OnlyTheCommandInterrupted(void) { return gs_iStopSignal == SIGINT && gs_bTerminal; }
+
+const char *WhyCommandEnded(void)
 {
+    if (OnlyTheCommandInterrupted())
+        return "the command was interrupted";
     if (gs_iStopSignal != 0)
         return "the session was interrupted";
     return gs_bOutputFailed ? "standard output could not be written" : "input ended";
@@ -367,7 +532,7 @@ int AbandonCommand(void)
     if (gs_bAbandonAnnounced)
         return -1;
     gs_bAbandonAnnounced = true;
-    if (gs_iStopSignal == SIGINT && gs_bTerminal)
+    if (OnlyTheCommandInterrupted())
         printf("\nInterrupted: command abandoned.\n");
     else if (gs_iStopSignal != 0)
         printf("\nInterrupted by %s: command abandoned.\n", SignalName(gs_iStopSignal));
@@ -387,13 +552,14 @@ static void DiscardRestOfLine(void)
 
 /* Reads one word: blanks and line ends before it are skipped, and at most
  * u32Max characters are kept (the rest of a longer word is dropped; *pbCut
- * says so). A word holding a NUL byte comes back empty, which no reader takes
- * for a number. EOF at end of input, and when a stop signal interrupts the
- * read; else the length kept. */
+ * says so). A word that is no text, holding a NUL byte or lying further into
+ * its line than any answer, comes back empty, which no reader takes for a
+ * number. EOF at end of input, and when the session ends during the read (a
+ * stop signal may have cut the word short); else the length kept. */
 static int ReadWord(char *sWord, uint32_t u32Max, bool *pbCut)
 {
     uint32_t u32Length = 0;
-    bool bNul = false;
+    bool bNoText = false;
     int c;
 
     *pbCut = false;
@@ -403,8 +569,8 @@ static int ReadWord(char *sWord, uint32_t u32Max, bool *pbCut)
     if (c == EOF)
         return EOF;
     for (; c != EOF && !isspace(c); c = NextChar()) {
-        if (c == '\0')
-            bNul = true;
+        if (c == '\0' || gs_u32LineBytes > ANSWER_LINE_MAX)
+            bNoText = true;
         if (u32Length < u32Max)
             sWord[u32Length++] = (char)c;
         else
@@ -413,9 +579,9 @@ static int ReadWord(char *sWord, uint32_t u32Max, bool *pbCut)
     if (c != EOF)
         PutBackChar(c); /* the blank after the word stays pending */
     gs_bLinePending = true;
-    if (gs_iStopSignal != 0)
-        return EOF; /* the signal may have cut the word short */
-    if (bNul)
+    if (SessionEnded())
+        return EOF;
+    if (bNoText)
         u32Length = 0;
     sWord[u32Length] = '\0';
     return (int)u32Length;

@@ -12,9 +12,11 @@
  *    (or, when it has changed it already, after finishing what the engineer
  *    asked for: a restore, a device mode popped). At a menu it reads as -1.
  * The session ends at the end of input, on a stop signal (SIGINT, SIGTERM,
- * SIGHUP) and when standard output can no longer be written. At a terminal,
- * Ctrl-C ends only the command in progress: the menu then carries on
- * (ResumeAfterInterrupt), and answers are read with line editing and history.
+ * SIGHUP, SIGQUIT) and when standard output can no longer be written. At a
+ * terminal, Ctrl-C ends only the command in progress: the menu then carries
+ * on (ResumeAfterInterrupt), and answers are read with line editing and
+ * history. Input is text: a non-blocking standard input is waited on, and a
+ * line that has not ended after 1 MiB ends the input.
  */
 #ifndef Q7_CONSOLE_H
 #define Q7_CONSOLE_H
@@ -53,10 +55,11 @@ bool ReadDouble(double *pdValue, const char *sPromptFormat, ...) __attribute__((
  * stop signal arrived, or standard output could not be written. */
 bool SessionEnded(void);
 
-/* Why the session ended, for a line that ends "because ...": "input ended",
- * "the session was interrupted" (by a stop signal) or "standard output could
- * not be written". */
-const char *WhySessionEnded(void);
+/* Why the command in progress ends early, for a line that ends "because
+ * ...": "input ended", "the command was interrupted" (Ctrl-C at a terminal,
+ * after which the session goes on), "the session was interrupted" (by a stop
+ * signal) or "standard output could not be written". */
+const char *WhyCommandEnded(void);
 
 /* Prints, once per command, the line that says why the command in progress
  * is abandoned (end of input, or the signal); returns -1. */
@@ -68,11 +71,17 @@ int AbandonCommand(void);
  * still see it. */
 void PrintDeviceNotice(const char *sFormat, ...) __attribute__((format(printf, 1, 2)));
 
-/* SIGINT, SIGTERM and SIGHUP end the session at its next read, sleep or check
- * (a blocking read or a sleep is interrupted); a second SIGINT ends the
- * program at once. SIGPIPE is ignored: a closed pipe is an output error.
- * Standard output is written through a stream that resumes a write a signal
- * interrupted. */
+/* Called first of all: a closed standard descriptor is opened on /dev/null,
+ * so that nothing opened later (the device library's channel) takes its
+ * number. A standard output that was closed is opened for reading only: its
+ * first write fails, an output error. */
+void OpenClosedStandardDescriptors(void);
+
+/* SIGINT, SIGTERM, SIGHUP and SIGQUIT end the session at its next read, sleep
+ * or check (a blocking read or a sleep is interrupted); a second SIGINT ends
+ * the program at once. SIGPIPE and SIGXFSZ are ignored: a closed pipe and a
+ * file-size limit are output errors. Standard output is written through a
+ * stream that resumes a write a signal interrupted. */
 void CatchStopSignals(void);
 
 /* The stop signal that ends the session, or 0. */

@@ -1,8 +1,8 @@
 #!/usr/bin/env bash
 # The command line: -h/--help and -V/--version answer on stdout with status 0
-# and never reach the device; anything else names the wrong argument on stderr
-# with status 2. A copy of the program without a Cal API library beside it
-# does not start. Usage: command_line_test.sh PROGRAM VERSION
+# and never reach the device; anything else (an operand too) names the wrong
+# argument on stderr with status 2. A copy of the program without a Cal API
+# library beside it does not start. Usage: command_line_test.sh PROGRAM VERSION
 set -u
 program=$1
 version=$2
@@ -45,6 +45,11 @@ expect 2 "" "$(wrong "unknown option" --HELP)" --HELP
 expect 2 "" "$(wrong "unknown option" --help=x)" --help=x
 expect 2 "" "$(wrong "unexpected argument" help)" help
 expect 2 "" "$(wrong "unexpected argument" -V)" -- -V
+# Options end at the first operand whatever POSIXLY_CORRECT says, and all are
+# read before any is acted on: an operand or a wrong letter anywhere is refused.
+expect 2 "" "$(wrong "unexpected argument" foo)" foo -h
+expect 2 "" "$(wrong "unexpected argument" foo)" -h foo
+expect 2 "" "$(wrong "unknown option" -x)" -hx
 # The answer that standard output cannot take is no success.
 for option in -h -V; do
   call="q7cal $option >/dev/full"

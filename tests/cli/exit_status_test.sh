@@ -1,9 +1,11 @@
 #!/usr/bin/env bash
 # How a whole session ends, by its exit status: 3 when input ends inside a
 # command; 4 when standard output cannot be written (/dev/full, a closed
-# stdout, a pipe whose reader has gone); 128 + N after stop signal N, taken at
+# stdout that the device library's channel must not take over, a pipe whose
+# reader has gone, a file-size limit); 128 + N after stop signal N, taken at
 # the menu and inside a command, both through the normal exit, and while a
-# write to a slow reader is blocked, with nothing of the output lost.
+# write to a slow reader is blocked, with nothing of the output lost. Input
+# that never ends a line ends; a non-blocking input is waited on.
 # Usage: exit_status_test.sh PROGRAM
 set -u
 program=$1
@@ -22,13 +24,41 @@ printf -- '-1\n' >"$work/exit"
 "$program" <"$work/exit" >/dev/full 2>"$work/err"
 expect_status "standard output on /dev/full" 4 $?
 grep -q '^q7cal: write error on standard output: ' "$work/err" || fail "/dev/full: no write error on stderr"
-"$program" <"$work/exit" >&- 2>/dev/null
-expect_status "standard output closed" 4 $?
+# Closed, standard input and output would be the next descriptors that the
+# device library opens for its channel, and the dialogue would go there.
+"$program" <&- >&- 2>/dev/null
+expect_status "standard input and output closed" 4 $?
 
 # Far more output than a pipe holds, to a reader that leaves after one byte.
 for _ in $(seq 1000); do printf '1\n-1\n'; done >"$work/menus"
 "$program" <"$work/menus" 2>/dev/null | head -c 1 >/dev/null
 expect_status "a pipe closed by its reader" 4 "${PIPESTATUS[0]}"
+bash -c 'ulimit -f 1; exec "$0"' "$program" <"$work/menus" >"$work/out" 2>"$work/err"
+expect_status "standard output over a file-size limit" 4 $?
+grep -q '^q7cal: write error on standard output: File too large$' "$work/err" ||
+  fail "a file-size limit: no write error on stderr: $(cat "$work/err")"
+
+# No line end ever: the input ends (the timeout only stops a program that spins).
+timeout 60 "$program" </dev/zero >/dev/null
+expect_status "endless input without a line end" 0 $?
+
+# A non-blocking pipe, written to only once the menu waits: EAGAIN is no end.
+rm -f "$work/fifo"
+mkfifo "$work/fifo"
+exec 3<>"$work/fifo" 4<"$work/fifo"
+/usr/bin/python3 -c 'import fcntl, os; fcntl.fcntl(4, fcntl.F_SETFL, fcntl.fcntl(4, fcntl.F_GETFL) | os.O_NONBLOCK)'
+"$program" <&4 >"$work/out" 3>&- 4>&- &
+pid=$!
+exec 4<&-
+for _ in $(seq 200); do
+  [ "$(tail -c 15 "$work/out" 2>/dev/null)" = "ENTER OPTION : " ] && break
+  sleep 0.05
+done
+printf '1\n5\n-1\n-1\n' >&3
+exec 3>&-
+wait $pid
+expect_status "a non-blocking input" 0 $?
+grep -q '^GetBandConfig was SUCCESSFUL.$' "$work/out" || fail "a non-blocking input: the answers were not read"
 
 # Types ANSWERS, waits until the output ends with WAIT_FOR (the prompt being
 # asked) and sends SIGNAL (TERM when not given); sets signal_status.

@@ -1,71 +1,203 @@
-"""q7cal at a terminal, typed at through a pseudo-terminal: Ctrl-C inside a
-command abandons only that command and the group menu carries on; the up
-arrow recalls an earlier answer and an escape sequence is never taken as an
-answer; Ctrl-C at a menu leaves with status 130.
+"""q7cal at a terminal, typed at through a pseudo-terminal as an engineer
+would, directly and from an interactive bash with job control:
+- Ctrl-C inside a command abandons only that command and the group menu
+  carries on (a region write's WARNING says the command was interrupted);
+  Ctrl-C at a menu leaves with status 130;
+- what Enter sends is what the screen shows: the up arrow recalls an earlier
+  answer; an unbound key (F5) leaves nothing in the line; a Unicode minus, a
+  no-break space and full-width digits are refused, never dropped;
+- Ctrl-\\ (SIGQUIT) finishes the command's restore, leaves with 131 and the
+  terminal as it was found;
+- after Ctrl-Z and fg the prompt and the line are redrawn; a stopped session
+  ended by kill %1 makes its restore in the background without stopping again;
+- with standard output a pipe, a reader that goes away while an answer is
+  awaited ends the session at once with status 4.
 Usage: terminal_test.py PROGRAM"""
 import os
 import pty
 import select
+import subprocess
 import sys
+import termios
 import time
 
 program = sys.argv[1]
-pid, terminal = pty.fork()
-if pid == 0:
-    os.environ["TERM"] = "xterm"
-    os.execv(program, [program])
-
-seen = b""
 
 
-def wait_for(text, timeout=20.0):
-    """Reads what the program shows until `text` has appeared in it since the
-    last wait; fails the test after `timeout` seconds."""
-    global seen
-    deadline = time.time() + timeout
-    while text.encode() not in seen:
-        ready, _, _ = select.select([terminal], [], [], max(0.0, deadline - time.time()))
-        if not ready:
-            sys.exit("FAIL: waited for %r; the terminal shows:\n%s" % (text, seen[-1500:].decode(errors="replace")))
-        try:
-            seen += os.read(terminal, 4096)
-        except OSError:
-            sys.exit("FAIL: the program ended while %r was awaited:\n%s" % (text, seen[-1500:].decode(errors="replace")))
-    shown = seen.decode(errors="replace")
-    seen = seen[seen.index(text.encode()) + len(text):]
-    return shown
+def fail(message, shown=b""):
+    sys.exit("FAIL: %s\n%s" % (message, shown[-1500:].decode(errors="replace")))
 
 
-def type_keys(keys):
-    os.write(terminal, keys.encode())
+class Terminal:
+    """A program started on a pseudo-terminal of its own."""
+
+    def __init__(self, argv, env=None):
+        self.pid, self.fd = pty.fork()
+        if self.pid == 0:
+            os.environ["TERM"] = "xterm"
+            os.environ.update(env or {})
+            os.execv(argv[0], argv)
+        self.seen = b""
+
+    def wait_for(self, text, timeout=20.0):
+        """Reads what the terminal shows until `text` has appeared since the
+        last wait, and returns what it shows up to there."""
+        deadline = time.time() + timeout
+        while text.encode() not in self.seen:
+            ready, _, _ = select.select([self.fd], [], [], max(0.0, deadline - time.time()))
+            if not ready:
+                fail("waited for %r; the terminal shows:" % text, self.seen)
+            try:
+                self.seen += os.read(self.fd, 4096)
+            except OSError:
+                fail("the program ended while %r was awaited:" % text, self.seen)
+        end = self.seen.index(text.encode()) + len(text)
+        shown, self.seen = self.seen[:end], self.seen[end:]
+        return shown.decode(errors="replace")
+
+    def prompt(self, line, keys):
+        """Types `keys` once the line editor has drawn the prompt `line`."""
+        self.wait_for("\r" + line)
+        self.type(keys)
+
+    def type(self, keys):
+        os.write(self.fd, keys.encode())
+
+    def exit_status(self):
+        _, status = os.waitpid(self.pid, 0)
+        return os.WEXITSTATUS(status) if os.WIFEXITED(status) else -os.WTERMSIG(status)
 
 
-wait_for("ENTER OPTION : ")
-type_keys("1\r")  # Configuration Commands
-wait_for("ENTER OPTION : ")
-type_keys("4\r")  # Set device mode: Ctrl-C at its first prompt
-wait_for("DUT Mode        ? ")
-type_keys("\x03")
-shown = wait_for("ENTER OPTION : ")
+MENU = "ENTER OPTION : "
+VERIFY = "    Verify write     (1=yes/0=no) ? "
+TX_SELECTOR = "0 = current active transmitter  1 = TX1 2 = TX2: "
+TX_POWER = "     Tx output power (double, -40 to +35 dBm) ? "
+SHELL = "shell$ "
+BYTE_WRITE_TO_VERIFY = "7\r7\r100\r4\r1\r1\r1\r"  # WriteDSDBytes at 0x100, 4 random bytes, restore asked
+
+# ---- Ctrl-C, history and the keys that must not change an answer ----------
+q7cal = Terminal([program])
+q7cal.prompt(MENU, "1\r")  # Configuration Commands
+q7cal.prompt(MENU, "4\r")  # Set device mode: Ctrl-C at its first prompt
+q7cal.prompt("    DUT Mode        ? ", "\x03")
+shown = q7cal.wait_for("\r" + MENU)
 if "Interrupted: command abandoned." not in shown or "******** Configuration Commands ********" not in shown:
-    sys.exit("FAIL: Ctrl-C inside a command did not bring the group menu back:\n" + shown)
+    fail("Ctrl-C inside a command did not bring the group menu back:", shown.encode())
 
 # An empty line is no answer and no end of input; an answer recalled with
 # the up arrow runs the command again; the arrows that have nothing to move
 # to are no answers.
-type_keys("\r5\r")  # an empty line, then Get band configuration
-wait_for("GetBandConfig was SUCCESSFUL.")
-wait_for("ENTER OPTION : ")
-type_keys("\x1b[B\x1b[C\x1b[A\r")
-shown = wait_for("GetBandConfig was SUCCESSFUL.")
+q7cal.type("\r5\r")  # an empty line, then Get band configuration
+q7cal.wait_for("GetBandConfig was SUCCESSFUL.")
+q7cal.prompt(MENU, "\x1b[B\x1b[C\x1b[A\r")
+shown = q7cal.wait_for("GetBandConfig was SUCCESSFUL.")
 if "Sorry. Invalid option selected." in shown or "GetBandConfig:" not in shown:
-    sys.exit("FAIL: the up arrow did not recall the answer 5:\n" + shown)
-wait_for("ENTER OPTION : ")
+    fail("the up arrow did not recall the answer 5:", shown.encode())
+
+# 1 and then F5, whose sequence the editor does not bind: entry 1 (Get Tx
+# attenuator settings) runs, not 15, and the bell says the key did nothing.
+q7cal.prompt(MENU, "-1\r")
+q7cal.prompt(MENU, "3\r")
+q7cal.prompt(MENU, "1\x1b[15~\r")
+shown = q7cal.wait_for(TX_SELECTOR)
+if "\a" not in shown or "5~" in shown:
+    fail("F5 was not dropped with the bell:", shown.encode())
+q7cal.prompt(TX_SELECTOR, "1\r")
+
+# Set Tx output power: answers that look like -20 or 20 but are not numbers
+# are refused; the plain -20 then reaches the device.
+q7cal.prompt(MENU, "4\r")
+for lookalike in ("\u221220", "2\u00a00", "\uff12\uff10"):
+    q7cal.prompt(TX_POWER, lookalike + "\r")
+    shown = q7cal.wait_for("Please enter a number.")
+    if "Not a number." not in shown or "SUCCESSFUL" in shown:
+        fail("%r was not refused:" % lookalike, shown.encode())
+q7cal.prompt(TX_POWER, "-20\r")
+q7cal.wait_for("SetTxOutputPower was SUCCESSFUL.")
+q7cal.prompt(MENU, "3\r")
+if "= -20" not in q7cal.wait_for("GetTxOutputPower was SUCCESSFUL."):
+    fail("the device does not have -20 dBm:", q7cal.seen)
+
+# Ctrl-C at a region write's verify question: the data stays written, the
+# WARNING says why, and the session goes on.
+q7cal.prompt(MENU, "-1\r")
+q7cal.prompt(MENU, "7\r")
+q7cal.prompt(MENU, "9\r5\r1\r10\r")
+q7cal.prompt(VERIFY, "\x03")
+shown = q7cal.wait_for("\r" + MENU)
+if "WARNING: Original data not restored, because the command was interrupted." not in shown:
+    fail("Ctrl-C after a region write: no WARNING that the command was interrupted:", shown.encode())
 
 # Ctrl-C at a menu leaves through the normal exit.
-type_keys("\x03")
-wait_for("Closing application...")
-_, status = os.waitpid(pid, 0)
-if not os.WIFEXITED(status) or os.WEXITSTATUS(status) != 130:
-    sys.exit("FAIL: Ctrl-C at a menu: status %r, expected 130" % status)
+q7cal.type("\x03")
+q7cal.wait_for("Closing application...")
+if q7cal.exit_status() != 130:
+    fail("Ctrl-C at a menu: not status 130")
+
+# ---- Ctrl-\ at a byte write's verify question ------------------------------
+q7cal = Terminal([program])
+q7cal.prompt(MENU, BYTE_WRITE_TO_VERIFY)
+q7cal.prompt(VERIFY, "\x1c")
+shown = q7cal.wait_for("Closing application...")
+if "Interrupted by SIGQUIT: command abandoned." not in shown or "Restoring original DSD values" not in shown:
+    fail("Ctrl-\\ did not finish the restore:", shown.encode())
+if q7cal.exit_status() != 128 + 3:
+    fail("Ctrl-\\: not status 131")
+if termios.tcgetattr(q7cal.fd)[3] & (termios.ICANON | termios.ECHO) != termios.ICANON | termios.ECHO:
+    fail("Ctrl-\\: the terminal is left without its line mode or echo")
+
+# ---- Job control from an interactive bash ----------------------------------
+shell = Terminal(["/bin/bash", "--norc", "--noprofile", "-i"], {"PS1": SHELL})
+shell.wait_for(SHELL)
+shell.type("set -b\r")  # a job's end is reported at once, not at the next prompt
+shell.wait_for(SHELL)
+shell.type(program + "\r")
+shell.prompt(MENU, "3\r")
+shell.prompt(MENU, "1")
+shell.wait_for("1")
+shell.type("\x1a")
+shell.wait_for("Stopped")
+shell.wait_for(SHELL)
+shell.type("fg\r")
+shell.wait_for(MENU + "1")  # the line typed before the stop, redrawn
+shell.type("5\r")
+shell.wait_for("GetFeedbackCalAttn was SUCCESSFUL.")  # entry 15, as the screen showed
+shell.prompt(MENU, "-1\r")
+shell.prompt(MENU, "-1\r")
+
+# kill %1 on a session stopped at the verify question (bash continues it
+# with SIGTERM in the background): the restore is made and the program ends.
+shell.wait_for(SHELL)
+shell.type(program + "\r")
+shell.prompt(MENU, BYTE_WRITE_TO_VERIFY)
+shell.prompt(VERIFY, "\x1a")
+shell.wait_for("Stopped")
+shell.wait_for(SHELL)
+shell.type("kill %1\r")
+shown = shell.wait_for("Closing application...")
+if "Interrupted by SIGTERM: command abandoned." not in shown or "Restoring original DSD values" not in shown:
+    fail("kill %1 on a stopped session: no restore:", shown.encode())
+shell.wait_for("Exit 143")
+shell.type("exit\r")
+
+# ---- Standard output a pipe whose reader goes away ------------------------
+terminal, keyboard = os.openpty()
+piped = subprocess.Popen([program], stdin=keyboard, stdout=subprocess.PIPE, stderr=subprocess.PIPE)
+os.close(keyboard)
+printed = b""
+while not printed.endswith(MENU.encode()):
+    chunk = os.read(piped.stdout.fileno(), 4096)
+    if not chunk:
+        fail("standard output a pipe: the program ended before its menu:", printed)
+    printed += chunk
+piped.stdout.close()
+try:
+    status = piped.wait(timeout=20)
+except subprocess.TimeoutExpired:
+    piped.kill()
+    fail("standard output a pipe: still waiting for an answer after its reader went away")
+if status != 4 or b"write error on standard output" not in piped.stderr.read():
+    fail("standard output a pipe whose reader went away: status %d, not 4 with a line on stderr" % status)
+os.close(terminal)
+
 print("terminal: all checks passed")

@@ -95,7 +95,7 @@ void CatchStopSignalsInTest()
 
 void ReleaseStopSignals()
 {
-    for (int sig : {SIGINT, SIGTERM, SIGHUP})
+    for (int sig : {SIGINT, SIGTERM, SIGHUP, SIGQUIT})
         signal(sig, SIG_DFL);
 }
 

@@ -106,6 +106,8 @@ TEST(Readers, RefuseNumbersThatDoNotFitOrCarryTrailingText)
         {"4294967296\n4294967295\n", unsignedValue, {bigUnsigned}, "4294967295"},
         {"12abc\n0x1F\n- 5\n-5\n", unsignedValue, {notUnsigned, notUnsigned, notUnsigned}, "4294967291"},
         {std::string(70, '1') + "\n7\n", unsignedValue, {notUnsigned}, "7"},
+        // No answer lies 64 KiB into its line: what does is no text.
+        {std::string(65536, ' ') + "5\n7\n", unsignedValue, {notUnsigned}, "7"},
         {"2147483648\n-2147483649\n-2147483648\n", signedValue, {bigSigned, bigSigned}, "-2147483648"},
         {"1FFFFFFFF\n0x7E1A0D5D\n", hexValue, {bigHex}, "2115636573"},
         {"-1\n", hexValue, {}, "4294967295"},
@@ -153,7 +155,7 @@ TEST(SessionEnd, AStopSignalOrAFailedOutputEndsInputAtTheNextRead)
         setvbuf(stdout, nullptr, _IONBF, 0);  // the write fails at once, the flush has nothing left
         EXPECT_FALSE(ReadUnsigned(&value, "N? "));
         EXPECT_TRUE(SessionEnded());
-        EXPECT_STREQ(WhySessionEnded(), "standard output could not be written");
+        EXPECT_STREQ(WhyCommandEnded(), "standard output could not be written");
         written = FinishOutput();
         std::fclose(stdout);
         stdout = captured;
