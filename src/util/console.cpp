@@ -97,8 +97,10 @@ static void WriteThroughResumingStream(void)
     FILE *pStream = fopencookie(NULL, "w", stFunctions);
     if (pStream == NULL)
         return; /* the C library's own stream stays */
-    /* Buffered as the C library buffers standard output. */
-    setvbuf(pStream, NULL, isatty(STDOUT_FILENO) ? _IOLBF : _IOFBF, BUFSIZ);
+    /* Each line written as it completes, to a pipe too: a reader that times
+     * what it reads (q7cal-report on a live pipe) sees each line when it
+     * happened, not when the program next waits for an answer. */
+    setvbuf(pStream, NULL, _IOLBF, BUFSIZ);
     fflush(stdout);
     gs_pLibraryStdout = stdout;
     stdout = pStream;

@@ -4,10 +4,12 @@
 # and read by Debian's junitparser, the JSON records, and the HTML page
 # rendered in headless Chromium (its verdict and plots read from the DOM).
 # Also the command line as getopt_long reads it, and the times of a live pipe.
-# Usage: report_files_test.sh REPORT GOLDEN_REPORT_DIR
+# Usage: report_files_test.sh REPORT GOLDEN_REPORT_DIR Q7CAL ANSWERS
 set -u
 report=$1
 golden=$2
+q7cal=$3
+answers=$4
 here=$(cd "$(dirname "$0")" && pwd)
 scratch=$(mktemp -d)
 trap 'rm -rf "$scratch"' EXIT
@@ -47,6 +49,15 @@ import json, sys
 unit = json.load(open(sys.argv[1]))["units"][0]
 assert unit["context"]["timed"] and unit["context"]["seconds"] >= 0.3, unit["context"]
 assert max(check["seconds"] for check in unit["checks"]) >= 0.3
+PY
+
+# q7cal itself on a live pipe: it writes each line as it completes, so that
+# the band's first check carries the half second its mandated wait took.
+"$q7cal" <"$answers" | "$report" --json="$scratch/q7cal-live.json" >/dev/null || fail "q7cal's live run did not pass"
+/usr/bin/python3 - "$scratch/q7cal-live.json" <<'PY' || fail "q7cal's lines do not arrive as they are printed"
+import json, sys
+checks = {c["name"]: c["seconds"] for c in json.load(open(sys.argv[1]))["units"][0]["checks"]}
+assert checks["GetBandConfig and SetBandConfig: 2500000 kHz, 10000 kHz"] >= 0.3, checks
 PY
 
 # The command line.
