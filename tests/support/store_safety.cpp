@@ -1,0 +1,37 @@
+#include "store_safety.h"
+
+std::vector<uint8_t> DsdStoresOf(q7sim::Device &device)
+{
+    std::vector<uint8_t> stores;
+    for (uint32_t section = 0; section < q7sim::Nvm::kSectionCount; section++)
+        stores.insert(stores.end(), device.dsd.nvm.Section(section),
+                      device.dsd.nvm.Section(section) + q7sim::Nvm::kSectionSize);
+    stores.insert(stores.end(), device.dsd.buffer(), device.dsd.buffer() + q7sim::Dsd::kBufferSize);
+    return stores;
+}
+
+static bool Has(const std::string &text, const char *part) { return text.find(part) != std::string::npos; }
+
+std::string StoreSafetyViolation(const WriteCommandEnd &end)
+{
+    if (end.written != nullptr) {
+        size_t foreign = 0;
+        for (size_t b = 0; b < end.after.size(); b++)
+            if (end.after[b] != end.original[b] && end.after[b] != (*end.written)[b])
+                foreign++;
+        if (foreign != 0)
+            return std::to_string(foreign) + " bytes that are neither original nor written";
+    }
+    if (!end.restoreAsked || end.after == end.original)
+        return "";
+    size_t restoring = end.output.find("Restoring original");
+    bool restoreFailed =
+        restoring != std::string::npos && end.output.find("WRITE ERROR: ", restoring) != std::string::npos;
+    bool said = Has(end.output, "\nWARNING: Original data not restored, because ") || restoreFailed ||
+                (Has(end.output, " verify errors.\n") && !Has(end.output, "\n0 verify errors.\n"));
+    if (!said)
+        return "a restore was asked for, and the store was left changed without a word";
+    if (Has(end.output, " was SUCCESSFUL."))
+        return "a restore claimed that was not made";
+    return "";
+}
