@@ -308,10 +308,11 @@ ssize_t ReadInput(void *cookie, char *buffer, size_t size)
 }
 
 // The program's stop-signal handlers while a session runs, as its main puts
-// them in place; the caller's back afterwards.
+// them in place; the caller's back afterwards, and a stop signal that the
+// input did not plant passed on to them (a fuzzer stopped from outside).
 class ProgramSignals {
 public:
-    ProgramSignals()
+    explicit ProgramSignals(int planted) : planted_(planted)
     {
         static struct sigaction s_program[std::size(kStopSignals)];
         static bool s_known = false;
@@ -330,11 +331,14 @@ public:
     {
         for (size_t i = 0; i < std::size(kStopSignals); i++)
             sigaction(kStopSignals[i], &saved_[i], nullptr);
+        if (StopSignal() != 0 && StopSignal() != planted_)
+            raise(StopSignal());
     }
     ProgramSignals(const ProgramSignals &) = delete;
     ProgramSignals &operator=(const ProgramSignals &) = delete;
 
 private:
+    int planted_;
     struct sigaction saved_[std::size(kStopSignals)];
 };
 
@@ -356,7 +360,7 @@ FaultedSession RunFaultedSession(const uint8_t *data, size_t size)
     run.input = data + header;
     run.inputSize = size - header;
 
-    ProgramSignals signals;
+    ProgramSignals signals(run.choice.stop);
     const SleepFunction savedSleep = gs_pfnSleepMs;
     const ClockFunction savedClock = gs_pfnClockMs;
     gs_pfnSleepMs = NoSleep;
