@@ -130,48 +130,44 @@ Kind KindFor(Kind kind, const std::string &op)
     return fits ? kind : kFail;
 }
 
-// Arms the fault on the call about to be made (1 = this one); true when it
-// makes a read fail. (A flipped bit is no sure wrong value: a read of no
-// bytes has none to flip.)
-bool ArmFault(const FaultChoice &c, const char *op)
+// Arms a fault of the kind on the call about to be made (1 = this one).
+void ArmFault(Kind kind, uint32_t amount, const char *op)
 {
-    switch (KindFor(c.kind, op)) {
+    switch (kind) {
     case kFail:
-        if (IsDsdWrite(op) && c.amount != 0)
-            control::FailWriteAfter(op, 1, c.amount);
+        if (IsDsdWrite(op) && amount != 0)
+            control::FailWriteAfter(op, 1, amount);
         else
             control::FailNext(op, 1, "injected device fault");
-        return IsRead(op);
+        break;
     case kShort:
         if (IsDsdRead(op))
-            control::ShortRead(op, 1, c.amount);
+            control::ShortRead(op, 1, amount);
         else
-            control::StopWriteAfter(op, 1, c.amount);
-        return false;
+            control::StopWriteAfter(op, 1, amount);
+        break;
     case kIgnore:
         if (IsDsdWrite(op))
             control::IgnoreWrite(op, 1);
         else
             control::IgnoreNext(op, 1);
-        return false;
+        break;
     case kFlip:
-        if (IsDsdRead(op)) {
-            control::FlipBitOnRead(op, 1, c.amount, static_cast<uint8_t>(1u << (c.amount % 8)));
-            return false;
-        }
-        control::ForgeWriteKey(1);
-        return false;
+        if (IsDsdRead(op))
+            control::FlipBitOnRead(op, 1, amount, static_cast<uint8_t>(1u << (amount % 8)));
+        else
+            control::ForgeWriteKey(1);
+        break;
     case kLie: {
         // Region sizes (56 bytes at least) may lie either way; other values
         // only upward, so that an unsigned one stays one.
-        bool down = std::string_view(op) == "Q7_GetDSDRegionSizeByID" && c.amount % 2 != 0;
-        control::SkewOutput(op, 0, down ? -double(c.amount / 2 % 50 + 1) : double(c.amount % 200 + 1));
-        return false;
+        bool down = std::string_view(op) == "Q7_GetDSDRegionSizeByID" && amount % 2 != 0;
+        control::SkewOutput(op, 0, down ? -double(amount / 2 % 50 + 1) : double(amount % 200 + 1));
+        break;
     }
     case kKinds:
         break;
     }
-    return false;
 }
 
 std::vector<uint8_t> Stores()
@@ -282,7 +278,11 @@ struct Run {
         bool chosen = choice.operation == kAnyOperation ? OneOf(operation, kOperations) : operation == choice.operation;
         if (chosen && ++callsOfOperation == choice.call) {
             faulted = true;
-            if (ArmFault(choice, operation.c_str()))
+            Kind kind = KindFor(choice.kind, operation);
+            ArmFault(kind, choice.amount, operation.c_str());
+            // Only a failed read is watched: a flipped bit is no sure wrong value
+            // (a read of no bytes has none to flip).
+            if (kind == kFail && IsRead(operation))
                 failedReadAt = Printed();
         }
     }
