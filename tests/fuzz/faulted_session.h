@@ -12,7 +12,8 @@
 //  - STOP picks none, end of input, SIGINT, SIGTERM, SIGHUP or SIGQUIT, which
 //    comes at the STOPCALL-th device call of the session (0 or 1: the first).
 // The rest of the input is the session's standard input. Sleeps return at
-// once and the clock only counts, so a session takes about a millisecond.
+// once and the clock only counts: a session takes a few milliseconds under
+// the sanitizers.
 //
 // The judges:
 //  - each command that wrote the DSD passes the store-safety judgement
