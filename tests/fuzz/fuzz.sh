@@ -1,11 +1,12 @@
 #!/bin/sh
 # Runs the session fuzzer built in BUILD (make fuzz) for SECONDS in JOBS
 # parallel jobs, then prints the sessions run and any finding; fails on one.
-# Seeds: the corpus kept here, and the golden sessions and past regressions
-# under a first line of zeros (the first call of the faults' operations
-# fails; no stop). New inputs collect in BUILD/corpus, each job's log in
-# BUILD/logs, and the input of a finding in BUILD (a crash-* file): once the
-# fault is fixed, copy it into tests/fuzz/corpus.
+# Seeds: the corpus kept here, and the golden sessions' answers (comments
+# left out) and the past regressions under a first line of zeros (the first
+# call of the faults' operations fails; no stop). New inputs collect in
+# BUILD/corpus, each job's log in BUILD/logs, and the input of a finding in
+# BUILD (a crash-* file): once the fault is fixed, copy it into
+# tests/fuzz/corpus.
 # usage: tests/fuzz/fuzz.sh BUILD SECONDS JOBS
 set -eu
 here=$(cd "$(dirname "$0")" && pwd)
@@ -16,7 +17,10 @@ jobs=$3
 rm -rf "$build/seeds" "$build/logs"
 mkdir -p "$build/seeds" "$build/logs" "$build/corpus"
 cp "$here"/corpus/* "$build/seeds/"
-for input in "$here"/../golden/cases/*.in "$here"/../golden/instant/*.in "$here"/regressions/*; do
+for input in "$here"/../golden/cases/*.in "$here"/../golden/instant/*.in; do
+    { echo '0 0 0 0 0 0'; "$here"/../golden/answers.sh "$input"; } >"$build/seeds/plain_$(basename "$input")"
+done
+for input in "$here"/regressions/*; do
     { echo '0 0 0 0 0 0'; cat "$input"; } >"$build/seeds/plain_$(basename "$input")"
 done
 
