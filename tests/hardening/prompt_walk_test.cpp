@@ -16,6 +16,7 @@
 #include "command_script.h"
 #include "console_capture.h"
 #include "console.h"
+#include "printed_texts.h"
 #include "menu.h"
 #include "scripted_session.h"
 
@@ -172,7 +173,7 @@ TEST_P(PromptWalk, EveryPromptSurvivesEndOfInputJunkEmptyLinesAndHugeNumbers)
                     EXPECT_EQ(ended.deviceCalls, prompts[k].deviceCalls) << where << ": device called after end of input";
                 } else {
                     EXPECT_TRUE(kFinishAfterEndOfInput.count(row.label) != 0 &&
-                                (Contains(finish, "Restoring original DSD") ||
+                                (Contains(finish, "Restoring original DSD") || Contains(finish, TEXT_KEY_REPLACED) ||
                                  Contains(finish, "WARNING: Original data not restored, because input ended.")))
                         << where << ": after end of input only a restore asked for, or its WARNING:\n" << finish;
                 }

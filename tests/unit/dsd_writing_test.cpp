@@ -10,6 +10,7 @@
 #include "SimControl.h"
 #include "commands.h"
 #include "console_capture.h"
+#include "printed_texts.h"
 
 namespace {
 
@@ -247,6 +248,18 @@ TEST_F(DsdWritingTest, KeysComeFromTheDeviceOrAreTypedAndARefusedKeyWritesNothin
                                          " has already been used: each key is good for one write\n"))
         << run.output;
 
+    // A write abandoned after its key was requested says that the key held
+    // before is gone: the region write asks for its count after the request,
+    // the byte write for its pattern.
+    for (auto [handler, answers] : {std::pair{TestWriteDSDRegionByID, "5\n1\n"}, std::pair{TestWriteDSDBytes, "100\n4\n1\n0\n"}}) {
+        run = RunHandler(handler, hCal, answers);
+        EXPECT_EQ(run.result, -1);
+        EXPECT_TRUE(EndsWith(run.output, "\nEnd of input: command abandoned.\n" TEXT_KEY_REPLACED "\n"))
+            << run.output;
+    }
+    run = RunHandler(TestWriteDSDRegionByID, hCal, "5\n0\n");
+    EXPECT_FALSE(Contains(run.output, "replaced")) << run.output;  // a typed key replaces nothing
+
     // A refused auto key is 0, which the write refuses.
     q7sim::control::RefuseWriteKeys(1);
     run = RunHandler(TestWriteDSDBytes, hCal, "100\n4\n1\n0\n3\n0\n");
@@ -263,6 +276,7 @@ TEST_F(DsdWritingTest, EachWayAWriteCanGoWrongIsSaidInItsOwnWords)
 {
     namespace control = q7sim::control;
     const char *const kWarning = "\nWARNING: Original data not restored, because ";
+    const std::string kKeyUnused = TEXT_KEY_REPLACED "\n";  // each case requests its key
     struct Case {
         const char *what;
         int (*handler)(CalInterfaceHandle);
@@ -273,18 +287,21 @@ TEST_F(DsdWritingTest, EachWayAWriteCanGoWrongIsSaidInItsOwnWords)
     } cases[] = {
         {"original read fails", TestWriteDSDBlock, "100\n2\n1\n1\n",
          [] { control::FailNext("Q7_ReadDSDBytes", 1, "NVM read timed out"); },
-         "\n    Restore contents (1=yes/0=no) ? \nREAD ERROR: NVM read timed out\n", -1},
+         "\n    Restore contents (1=yes/0=no) ? \nREAD ERROR: NVM read timed out\n" + kKeyUnused, -1},
         {"region shorter than its size query", TestWriteDSDRegionByID, "7\n1\n",
          [] { control::ShortRead("Q7_ReadDSDRegionByID", 1, 700); },
-         "\nERROR: The region's size query answered 760 bytes and its read 700 bytes: nothing was written\n", -1},
+         "\nERROR: The region's size query answered 760 bytes and its read 700 bytes: nothing was written\n" + kKeyUnused,
+         -1},
         {"region larger than its size query says", TestWriteDSDRegionByID, "5\n1\n",
          [] { control::SkewOutput("Q7_GetDSDRegionSizeByID", 0, -148); },
-         "\nERROR: The region's size query answered 100 bytes and its read 248 bytes: nothing was written\n", -1},
+         "\nERROR: The region's size query answered 100 bytes and its read 248 bytes: nothing was written\n" + kKeyUnused,
+         -1},
         {"original read short", TestWriteDSDRegionByID, "7\n1\n", [] { control::ShortRead("Q7_ReadDSDRegionByID", 2, 700); },
-         "\nERROR: Only 700 of the 760 bytes of the original contents could be read: nothing was written\n", -1},
+         "\nERROR: Only 700 of the 760 bytes of the original contents could be read: nothing was written\n" + kKeyUnused,
+         -1},
         {"original reads disagree", TestWriteDSDBytes, "100\n4\n1\n1\n",
          [] { control::FlipBitOnRead("Q7_ReadDSDBytes", 2, 0, 0x01); },
-         "\nERROR: The original contents read differently twice: nothing was written\n", -1},
+         "\nERROR: The original contents read differently twice: nothing was written\n" + kKeyUnused, -1},
         {"verification read fails", TestWriteDSDBytes, "100\n4\n1\n1\n3\n77\n1\n",
          [] { control::FailCall("Q7_ReadDSDBytes", 3, "NVM read timed out"); },
          "\nRead 4 bytes from dev data memory\n\nREAD ERROR: NVM read timed out\n" + std::string(kWarning) +
