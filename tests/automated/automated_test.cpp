@@ -394,6 +394,29 @@ TEST_F(AutomatedTestTest, AFinalPopThatDoesNotTakeIsSaid)
 
 // ---- The loopback group stops at its first failing calibration ----
 
+// Each group says how it went: 0, or -1 where it stops early (a failing
+// calibration, a spectrum that cannot be reset), whatever the driver makes of it.
+TEST_F(AutomatedTestTest, EachGroupReturnsZeroOrMinusOneWhereItStopsEarly)
+{
+    struct Case {
+        int (*group)(CalInterfaceHandle);
+        const char *answers;
+        const char *failing;  // an operation whose failure stops the group, or null
+    } cases[] = {
+        {AutomatedConfigurationGroupTest, "", nullptr}, {AutomatedRxGroupTest, "", nullptr},
+        {AutomatedTxGroupTest, "", nullptr},            {AutomatedLoopbackGroupTest, "", "Q7_CalibrateFESteps"},
+        {AutomatedOtherCommandGroupTest, "\n", "Q7_ResetRxSpectrum"}, {AutomatedDSDManagementGroupTest, "1\n", nullptr},
+        {AutomatedDSDReadWriteGroupTest, "", nullptr},
+    };
+    for (const Case &c : cases) {
+        EXPECT_EQ(RunHandler(c.group, hCal, c.answers).result, 0);
+        if (c.failing != nullptr) {
+            FailNext(c.failing, 1, "Device fault");
+            EXPECT_EQ(RunHandler(c.group, hCal, c.answers).result, -1) << c.failing;
+        }
+    }
+}
+
 TEST_F(AutomatedTestTest, AFailingCalibrationStopsTheLoopbackGroupAfterItsPops)
 {
     const std::string loopback = "Pop[ 1] - set device mode: mode = 5 modulation = 0 CW Offset=1000 LoopbackTX=0 \n";
