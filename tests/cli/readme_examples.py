@@ -2,7 +2,7 @@
 README shows, so that the document cannot drift from the programs.
 
 An example is an indented block whose lines that start with "$ " are
-commands (a trailing backslash continues one); the lines after a command, up
+commands (one that bash finds unfinished goes on on the next line); the lines after a command, up
 to the next, are what it prints: each must appear in its output, in order,
 where a line "..." stands for any lines between. A command runs in a scratch
 folder with bash, `make run` and `./build/q7cal` meaning the q7cal under
@@ -37,14 +37,19 @@ def examples(block):
     """(command, the lines it prints) for each command of the block."""
     result = []
     for line in block:
-        if line.startswith("$ ") or (result and result[-1][0].endswith("\\") and not result[-1][1]):
-            if line.startswith("$ "):
-                result.append([line[2:], []])
-            else:
-                result[-1][0] = result[-1][0][:-1] + "\n" + line
+        if line.startswith("$ "):
+            result.append([line[2:], []])
+        elif result and not result[-1][1] and unfinished(result[-1][0]):
+            result[-1][0] += "\n" + line
         elif result:
             result[-1][1].append(line)
     return result
+
+
+def unfinished(command):
+    """A command that goes on on the next line: bash finds it cut short."""
+    check = subprocess.run(["bash", "-n", "-c", command], capture_output=True, text=True)
+    return command.rstrip().endswith(("\\", "|")) or "unexpected end of file" in check.stderr
 
 
 def shows(output, expected):
@@ -74,7 +79,7 @@ for block in blocks(open(readme, encoding="utf-8").read()):
             run = re.sub(r"\bmake run\b|\./build/q7cal\b(?!-)", q7cal, command)
             run = run.replace("./build/q7cal-report", report)
             done = subprocess.run(["bash", "-c", run], cwd=folder, stdout=subprocess.PIPE, stderr=subprocess.STDOUT,
-                                  text=True, timeout=60, env=dict(os.environ, LC_ALL="C"))
+                                  text=True, timeout=60, env=dict(os.environ, LC_ALL="C", HOME=folder, XDG_STATE_HOME=folder))
             if not shows(done.stdout, expected):
                 failures += 1
                 print("README example: %s\nshould show:\n%s\nbut printed:\n%s" % (
