@@ -392,6 +392,60 @@ TEST_F(AutomatedTestTest, AFinalPopThatDoesNotTakeIsSaid)
         << run.output;
 }
 
+// ---- What the run sends the device ----
+
+// Register 30 and the chip ID: bank 0, the data, and timing 1 (at once) on
+// every read and write; a stop signal at the second write leaves only the
+// saved value to put back and read.
+TEST_F(AutomatedTestTest, EveryRegisterCallNamesItsBankRegisterDataAndTiming)
+{
+    uint32_t saved = 0;
+    ASSERT_EQ(Q7_ReadRFICRegister(hCal, 0, 30, 1, &saved), nullptr);
+    const LoggedCall chipId{"Q7_ReadRFICRegister", {0, 0, 1}};
+    const LoggedCall read30{"Q7_ReadRFICRegister", {0, 30, 1}};
+    auto write30 = [](double data) { return LoggedCall{"Q7_WriteRFICRegister", {0, 30, data, 1}}; };
+    struct Case {
+        bool signal;
+        std::vector<LoggedCall> calls;
+    } cases[] = {
+        {false,
+         {chipId, read30, write30(0), read30, write30(0), read30, write30(0xFFFF), read30, write30(saved), read30}},
+        {true, {chipId, read30, write30(0), read30, write30(0), write30(saved), read30}},
+    };
+    for (const Case &c : cases) {
+        CatchStopSignalsInTest();
+        q7sim::control::OnEveryCall([&c, seen = 0u](const std::string &operation) mutable {
+            if (c.signal && operation == "Q7_WriteRFICRegister" && ++seen == 2)
+                raise(SIGTERM);
+        });
+        q7sim::control::RecordCalls();
+        RunHandler(AutomatedTest, hCal, kRunAnswers);
+        ReleaseStopSignals();
+        EXPECT_EQ(LoggedCallsOf({"Q7_ReadRFICRegister", "Q7_WriteRFICRegister"}), c.calls) << "signal: " << c.signal;
+        q7sim::control::Reset();
+        SetUp();
+    }
+}
+
+// The four values of each mode the run sets, pushed, popped or set directly.
+TEST_F(AutomatedTestTest, EveryModeSetCarriesTheFourValuesOfItsRecord)
+{
+    using Mode = std::vector<double>;  // DUT mode, modulation, CW offset, loopback Tx
+    const Mode agc16 = {4, 1, 1000, 0};
+    std::vector<Mode> expected = {agc16};
+    for (double dutMode = 0; dutMode <= 5; dutMode++)  // the band checks, mode by mode
+        expected.insert(expected.end(), {{dutMode, 1, 1000, 0}, agc16});
+    expected.insert(expected.end(), {agc16, agc16, {1, 0, 1000, 0}, {0, 0, 1000, 0}, agc16, {4, 0, 1000, 0}, agc16,
+                                     {5, 0, 1000, 0}, {4, 0, 1000, 0}, {5, 0, 1000, 0}, agc16, {2, 0, 1000, 0}, agc16,
+                                     {0, 0, 0, 0}});
+    q7sim::control::RecordCalls();
+    Run();
+    std::vector<Mode> sent;
+    for (const LoggedCall &call : LoggedCallsOf({"Q7_SetDeviceMode"}))
+        sent.push_back(call.second);
+    EXPECT_EQ(sent, expected);
+}
+
 // ---- The loopback group stops at its first failing calibration ----
 
 TEST_F(AutomatedTestTest, AFailingCalibrationStopsTheLoopbackGroupAfterItsPops)
