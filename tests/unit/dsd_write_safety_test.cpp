@@ -427,9 +427,11 @@ TEST_F(DsdWriteSafetyTest, AWriteWhoseAllocationFailsClaimsNothing)
 }
 
 // Standard output that dies in the middle of a write: it is a pipe read by a
-// real child process (head) that has exited by the moment of a chosen device
-// call. Every line that says the device was left changed reaches standard
-// error then, where the engineer can still read it.
+// real child process (cat) that reads all until it is killed at the moment of
+// a chosen device call, so that every write before that call succeeds and
+// every one after it fails, however slowly the program runs. Every line that
+// says the device was left changed reaches standard error then, where the
+// engineer can still read it.
 TEST_F(DsdWriteSafetyTest, WhatTheDeviceWasLeftWithReachesStderrOnceStdoutHasDied)
 {
     struct Case {
@@ -464,7 +466,7 @@ TEST_F(DsdWriteSafetyTest, WhatTheDeviceWasLeftWithReachesStderrOnceStdoutHasDie
             dup2(toReader[0], STDIN_FILENO);
             close(toReader[0]);
             close(toReader[1]);
-            execlp("sh", "sh", "-c", "head -c 1 >/dev/null", static_cast<char *>(nullptr));
+            execlp("sh", "sh", "-c", "exec cat >/dev/null", static_cast<char *>(nullptr));
             _exit(127);
         }
         close(toReader[0]);
@@ -476,9 +478,12 @@ TEST_F(DsdWriteSafetyTest, WhatTheDeviceWasLeftWithReachesStderrOnceStdoutHasDie
         }
         c.arm();
         unsigned seenCalls = 0;
+        bool readerGone = false;
         control::OnEveryCall([&](const std::string &operation) {
-            if (operation == target && ++seenCalls == nth)
-                waitpid(reader, nullptr, 0);  // it read its byte and is gone
+            if (operation == target && ++seenCalls == nth) {
+                kill(reader, SIGKILL);
+                readerGone = waitpid(reader, nullptr, 0) == reader;  // its end of the pipe is closed
+            }
         });
 
         FILE *answers = std::tmpfile();
@@ -501,7 +506,9 @@ TEST_F(DsdWriteSafetyTest, WhatTheDeviceWasLeftWithReachesStderrOnceStdoutHasDie
         std::fflush(stderr);
         dup2(savedErr, STDERR_FILENO);
         close(savedErr);
-        waitpid(reader, nullptr, WNOHANG);
+        EXPECT_TRUE(readerGone) << "the call at which the reader goes was never made";
+        if (!readerGone)
+            waitpid(reader, nullptr, 0);  // it reads to the end of the closed pipe
 
         std::string said(1024, '\0');
         std::rewind(errors);
