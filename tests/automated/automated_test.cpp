@@ -427,25 +427,6 @@ TEST_F(AutomatedTestTest, EveryRegisterCallNamesItsBankRegisterDataAndTiming)
     }
 }
 
-// The four values of each mode the run sets, pushed, popped or set directly.
-TEST_F(AutomatedTestTest, EveryModeSetCarriesTheFourValuesOfItsRecord)
-{
-    using Mode = std::vector<double>;  // DUT mode, modulation, CW offset, loopback Tx
-    const Mode agc16 = {4, 1, 1000, 0};
-    std::vector<Mode> expected = {agc16};
-    for (double dutMode = 0; dutMode <= 5; dutMode++)  // the band checks, mode by mode
-        expected.insert(expected.end(), {{dutMode, 1, 1000, 0}, agc16});
-    expected.insert(expected.end(), {agc16, agc16, {1, 0, 1000, 0}, {0, 0, 1000, 0}, agc16, {4, 0, 1000, 0}, agc16,
-                                     {5, 0, 1000, 0}, {4, 0, 1000, 0}, {5, 0, 1000, 0}, agc16, {2, 0, 1000, 0}, agc16,
-                                     {0, 0, 0, 0}});
-    q7sim::control::RecordCalls();
-    Run();
-    std::vector<Mode> sent;
-    for (const LoggedCall &call : LoggedCallsOf({"Q7_SetDeviceMode"}))
-        sent.push_back(call.second);
-    EXPECT_EQ(sent, expected);
-}
-
 // ---- The loopback group stops at its first failing calibration ----
 
 TEST_F(AutomatedTestTest, AFailingCalibrationStopsTheLoopbackGroupAfterItsPops)
