@@ -392,6 +392,41 @@ TEST_F(AutomatedTestTest, AFinalPopThatDoesNotTakeIsSaid)
         << run.output;
 }
 
+// ---- What the run sends the device ----
+
+// Register 30 and the chip ID: bank 0, the data, and timing 1 (at once) on
+// every read and write; a stop signal at the second write leaves only the
+// saved value to put back and read.
+TEST_F(AutomatedTestTest, EveryRegisterCallNamesItsBankRegisterDataAndTiming)
+{
+    uint32_t saved = 0;
+    ASSERT_EQ(Q7_ReadRFICRegister(hCal, 0, 30, 1, &saved), nullptr);
+    const LoggedCall chipId{"Q7_ReadRFICRegister", {0, 0, 1}};
+    const LoggedCall read30{"Q7_ReadRFICRegister", {0, 30, 1}};
+    auto write30 = [](double data) { return LoggedCall{"Q7_WriteRFICRegister", {0, 30, data, 1}}; };
+    struct Case {
+        bool signal;
+        std::vector<LoggedCall> calls;
+    } cases[] = {
+        {false,
+         {chipId, read30, write30(0), read30, write30(0), read30, write30(0xFFFF), read30, write30(saved), read30}},
+        {true, {chipId, read30, write30(0), read30, write30(0), write30(saved), read30}},
+    };
+    for (const Case &c : cases) {
+        CatchStopSignalsInTest();
+        q7sim::control::OnEveryCall([&c, seen = 0u](const std::string &operation) mutable {
+            if (c.signal && operation == "Q7_WriteRFICRegister" && ++seen == 2)
+                raise(SIGTERM);
+        });
+        q7sim::control::RecordCalls();
+        RunHandler(AutomatedTest, hCal, kRunAnswers);
+        ReleaseStopSignals();
+        EXPECT_EQ(LoggedCallsOf({"Q7_ReadRFICRegister", "Q7_WriteRFICRegister"}), c.calls) << "signal: " << c.signal;
+        q7sim::control::Reset();
+        SetUp();
+    }
+}
+
 // ---- The loopback group stops at its first failing calibration ----
 
 // Each group says how it went: 0, or -1 where it stops early (a failing

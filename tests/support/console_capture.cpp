@@ -2,6 +2,7 @@
 
 #include <signal.h>
 
+#include <algorithm>
 #include <cstdio>
 #include <cstdlib>
 
@@ -67,6 +68,16 @@ std::vector<uint8_t> DsdStoresOf(q7sim::Device &device)
                       device.dsd.nvm.Section(section) + q7sim::Nvm::kSectionSize);
     stores.insert(stores.end(), device.dsd.buffer(), device.dsd.buffer() + q7sim::Dsd::kBufferSize);
     return stores;
+}
+
+std::vector<LoggedCall> LoggedCallsOf(const std::vector<std::string> &operations)
+{
+    const std::vector<std::string> &calls = q7sim::control::Calls();
+    std::vector<LoggedCall> chosen;
+    for (size_t i = 0; i < calls.size(); i++)
+        if (std::find(operations.begin(), operations.end(), calls[i]) != operations.end())
+            chosen.emplace_back(calls[i], q7sim::control::ArgumentsOfCalls()[i]);
+    return chosen;
 }
 
 std::vector<uint8_t> SimulatedDeviceTest::DsdStores() { return DsdStoresOf(device()); }

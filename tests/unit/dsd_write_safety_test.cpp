@@ -36,6 +36,7 @@
 #include "commands.h"
 #include "console.h"
 #include "console_capture.h"
+#include "failing_malloc.h"
 #include "scripted_session.h"
 
 namespace {
@@ -167,6 +168,17 @@ private:
     size_t reads_ = 0;
     std::string restoreAnswer_;
 };
+
+// The output says that a store may be left changed: the WARNING, a WRITE
+// ERROR of the restore, or verify errors that withheld it (a failed data
+// write is no such word).
+bool SaysAStoreMayBeLeftChanged(const std::string &output)
+{
+    size_t restoring = output.find("Restoring original");
+    bool restoreFailed = restoring != std::string::npos && output.find("WRITE ERROR: ", restoring) != std::string::npos;
+    return Contains(output, "\nWARNING: Original data not restored, because ") || restoreFailed ||
+           (Contains(output, " verify errors.\n") && !Contains(output, "\n0 verify errors.\n"));
+}
 
 // A fault on one call of the command, armed before it runs.
 struct Fault {
@@ -356,12 +368,9 @@ TEST_F(DsdWriteSafetyTest, NoStoreIsLeftChangedWithoutAWordWhateverTheDeviceDoes
         EXPECT_EQ(foreign, 0u) << "bytes that are neither original nor written";
 
         bool warned = Contains(output, "\nWARNING: Original data not restored, because ");
-        size_t restoring = output.find("Restoring original");
-        bool restoreFailed = restoring != std::string::npos && output.find("WRITE ERROR: ", restoring) != std::string::npos;
-        bool said = warned || restoreFailed ||
-                    (Contains(output, " verify errors.\n") && !Contains(output, "\n0 verify errors.\n"));
         if (run.restoreAsked && after != original) {
-            EXPECT_TRUE(said) << "a restore was asked for, and the store was left changed without a word";
+            EXPECT_TRUE(SaysAStoreMayBeLeftChanged(output))
+                << "a restore was asked for, and the store was left changed without a word";
             EXPECT_FALSE(Contains(output, " was SUCCESSFUL.")) << "a restore claimed that was not made";
         }
         if (warned) {
@@ -382,10 +391,47 @@ TEST_F(DsdWriteSafetyTest, NoStoreIsLeftChangedWithoutAWordWhateverTheDeviceDoes
         EXPECT_GE(count, 10) << outcome;
 }
 
+// Each allocation that a write makes, failed in turn (the test program's
+// malloc fails on request) in a write that asks for a restore: the command
+// says so and ends with -1, claims no success, and leaves every store as it
+// was or says that it may not have.
+TEST_F(DsdWriteSafetyTest, AWriteWhoseAllocationFailsClaimsNothing)
+{
+    struct Case {
+        int (*handler)(CalInterfaceHandle);
+        const char *answers;
+    } cases[] = {
+        {TestWriteDSDBlock, "100\n4\n1\n1\n3\n5A\n1\n"},
+        {TestWriteDSDBytes, "100\n4\n1\n1\n3\n77\n1\n"},
+        {TestWriteFlash2xBytesWithHeader, "100\n16\n1\n4\n3\n1\n1\n3\n5A\n1\n"},
+        {TestWriteDSDRegionByID, "7\n1\n10\n1\n1\n"},
+    };
+    for (const Case &c : cases) {
+        CountAllocations();
+        EXPECT_EQ(RunHandler(c.handler, hCal, c.answers).result, 0);
+        const unsigned allocations = StopCountingAllocations();
+        EXPECT_GT(allocations, 0u) << c.answers;
+        for (unsigned failing = 1; failing <= allocations; failing++) {
+            const std::vector<uint8_t> before = DsdStores();
+            CountAllocations(failing);
+            HandlerRun run = RunHandler(c.handler, hCal, c.answers);
+            StopCountingAllocations();
+            SCOPED_TRACE("allocation " + std::to_string(failing) + " failed, answers " + c.answers + "\noutput:\n" +
+                         run.output);
+            EXPECT_TRUE(Contains(run.output, "\nERROR: Data block memory allocation failed\n"));
+            EXPECT_EQ(run.result, -1);
+            EXPECT_FALSE(Contains(run.output, " was SUCCESSFUL."));
+            EXPECT_TRUE(DsdStores() == before || SaysAStoreMayBeLeftChanged(run.output));
+        }
+    }
+}
+
 // Standard output that dies in the middle of a write: it is a pipe read by a
-// real child process (head) that has exited by the moment of a chosen device
-// call. Every line that says the device was left changed reaches standard
-// error then, where the engineer can still read it.
+// real child process (cat) that reads all until it is killed at the moment of
+// a chosen device call, so that every write before that call succeeds and
+// every one after it fails, however slowly the program runs. Every line that
+// says the device was left changed reaches standard error then, where the
+// engineer can still read it.
 TEST_F(DsdWriteSafetyTest, WhatTheDeviceWasLeftWithReachesStderrOnceStdoutHasDied)
 {
     struct Case {
@@ -420,7 +466,7 @@ TEST_F(DsdWriteSafetyTest, WhatTheDeviceWasLeftWithReachesStderrOnceStdoutHasDie
             dup2(toReader[0], STDIN_FILENO);
             close(toReader[0]);
             close(toReader[1]);
-            execlp("sh", "sh", "-c", "head -c 1 >/dev/null", static_cast<char *>(nullptr));
+            execlp("sh", "sh", "-c", "exec cat >/dev/null", static_cast<char *>(nullptr));
             _exit(127);
         }
         close(toReader[0]);
@@ -432,9 +478,12 @@ TEST_F(DsdWriteSafetyTest, WhatTheDeviceWasLeftWithReachesStderrOnceStdoutHasDie
         }
         c.arm();
         unsigned seenCalls = 0;
+        bool readerGone = false;
         control::OnEveryCall([&](const std::string &operation) {
-            if (operation == target && ++seenCalls == nth)
-                waitpid(reader, nullptr, 0);  // it read its byte and is gone
+            if (operation == target && ++seenCalls == nth) {
+                kill(reader, SIGKILL);
+                readerGone = waitpid(reader, nullptr, 0) == reader;  // its end of the pipe is closed
+            }
         });
 
         FILE *answers = std::tmpfile();
@@ -457,7 +506,9 @@ TEST_F(DsdWriteSafetyTest, WhatTheDeviceWasLeftWithReachesStderrOnceStdoutHasDie
         std::fflush(stderr);
         dup2(savedErr, STDERR_FILENO);
         close(savedErr);
-        waitpid(reader, nullptr, WNOHANG);
+        EXPECT_TRUE(readerGone) << "the call at which the reader goes was never made";
+        if (!readerGone)
+            waitpid(reader, nullptr, 0);  // it reads to the end of the closed pipe
 
         std::string said(1024, '\0');
         std::rewind(errors);
