@@ -91,6 +91,15 @@ assert got == eval(sys.argv[2]), got' "$scratch/span.json" "$want" || fail "$db 
   report --history --db="$1" --unit=SN2 >"$scratch/unit.txt"
   [ "$(grep -c 'PASS\|FAIL' "$scratch/unit.txt")" = 2 ] && grep -q 'FAIL     4 (first: ' "$scratch/unit.txt" ||
     fail "$1: --unit=SN2: $(cat "$scratch/unit.txt")"
+  for unit in SN2 SN8; do report --history --db="$1" --unit=$unit --json="$scratch/$unit.json" >/dev/null; done
+  /usr/bin/python3 - "$scratch/SN2.json" "$scratch/SN8.json" <<'PY' || fail "$1: a unit's runs in JSON"
+import json, sys
+runs = [(r["station"], r["verdict"], r["failed_checks"], r["marginal_checks"], r["first_failure"])
+        for r in json.load(open(sys.argv[1]))["runs"]]
+assert runs == [("ST1", "FAIL", 4, 0, "automated.DSD management: DSD Management Commands: DSD checksum"),
+                ("ST2", "PASS", 0, 0, None)], runs
+assert [(r["verdict"], r["marginal_checks"]) for r in json.load(open(sys.argv[2]))["runs"]] == [("PASS", 1)]
+PY
   # Two runs of one second read in the order they were appended, in either database.
   report --history --db="$1" --unit=SN6 | awk 'NR > 2 { print $4 }' | tr '\n' ' ' | grep -qx 'FAIL PASS ' ||
     fail "$1: SN6's runs of one second are out of order"

@@ -27,9 +27,10 @@
 #include <sstream>
 #include <string>
 
+#include "history_report.h"
+#include "line_classifier.h"
 #include "measurement_limits.h"
 #include "report_writers.h"
-#include "line_classifier.h"
 #include "transcript.h"
 
 namespace {
@@ -491,6 +492,47 @@ TEST(ReportTest, MarkupAndOddBytesInAnErrorTextReachEveryFileIntact)
     EXPECT_EQ(page.find("<a>"), std::string::npos);
     EXPECT_EQ(page.find("</script> \u2401"), std::string::npos);
     EXPECT_NE(page.find("ERROR: &lt;a&gt; &amp; &quot;b&quot; &lt;/script&gt; \u2401\ufffd"), std::string::npos);
+}
+
+// --since and --until: every form of ISO 8601 the tool writes or a line types,
+// as UTC milliseconds; an end reaches to the end of its last unit; anything
+// impossible or malformed is refused.
+TEST(ReportTest, HistoryTimesAreIso8601AndImpossibleOnesAreRefused)
+{
+    const long long day = 1795564800000;  // 2026-11-25T00:00:00Z
+    struct Case {
+        const char *text;
+        long long start;  // -1: refused
+        long long end;
+    } cases[] = {
+        {"2026-11-25", day, day + 86399999},
+        {"2026-11-25T10:00", day + 36000000, day + 36059999},
+        {"2026-11-25T10:00:05", day + 36005000, day + 36005999},
+        {"2026-11-25T10:00:05.25Z", day + 36005250, day + 36005250},
+        {"2026-11-25 10:00:05z", day + 36005000, day + 36005999},
+        {"2026-11-25T10:00+01:00", day + 32400000, day + 32459999},
+        {"2026-11-25T10:00-0530", day + 55800000, day + 55859999},
+        {"2026-11-25T10:00+01", day + 32400000, day + 32459999},
+        {"2024-02-29", 1709164800000, 1709251199999},
+        {"1969-12-31", -86400000, -1},
+        {"2026-02-29", -1, 0}, {"2026-02-30", -1, 0}, {"2026-13-01", -1, 0}, {"2026-00-10", -1, 0},
+        {"2026-11-00", -1, 0}, {"2026-11-25T24:00", -1, 0}, {"2026-11-25T10:60", -1, 0},
+        {"2026-11-25T10:00:60", -1, 0}, {"2026-11-25T10:00+24:00", -1, 0}, {"2026-1x-01", -1, 0},
+        {"2026-11-1", -1, 0}, {"2026-11-25T10", -1, 0}, {"2026-11-25T10:00:05.", -1, 0},
+        {"2026-11-25T10:00Zx", -1, 0}, {"2026/11/25", -1, 0}, {"", -1, 0},
+    };
+    for (const Case &c : cases) {
+        std::optional<long long> start = q7report::ParseHistoryTime(c.text, false);
+        std::optional<long long> end = q7report::ParseHistoryTime(c.text, true);
+        if (c.start == -1) {
+            EXPECT_FALSE(start || end) << c.text;
+            continue;
+        }
+        ASSERT_TRUE(start && end) << c.text;
+        EXPECT_EQ(*start, c.start) << c.text;
+        EXPECT_EQ(*end, c.end) << c.text;
+    }
+    EXPECT_EQ(q7report::UtcTime(day + 36005250), "2026-11-25T10:00:05.250Z");
 }
 
 }  // namespace
