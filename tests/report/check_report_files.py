@@ -101,6 +101,9 @@ assert drawn == listed, "the plots do not draw the record's lists"
 counted = ["%d checks: %d PASS, %d MARGINAL, %d FAIL, %d expected errors." % tuple(
     unit["totals"][k] for k in ("checks", "passed", "marginal", "failed", "expected_errors")) for unit in units]
 assert all(text in section for text, section in zip(counted, sections)), "the checks are miscounted"
+# A healthy unit's page marks nothing failed; the corrupted one's, its failed checks alone.
+assert '<tr class="failed">' not in sections[0], "the healthy unit shows a failed row"
+assert sections[1].count('<tr class="failed">') == units[1]["totals"]["failed"], "the failed rows are miscounted"
 # Each unit's plots stand in its own section.
 for unit, section in enumerate(sections):
     drawn_here = re.findall(r'id="plot-(\d+)-', section)
