@@ -184,7 +184,9 @@ shell.wait_for(SHELL)
 shell.type("fg\r")
 shell.wait_for(MENU + "1")  # the line typed before the stop, redrawn
 shell.type("5\r")
-shell.wait_for("GetFeedbackCalAttn was SUCCESSFUL.")  # entry 15, as the screen showed
+shown = shell.wait_for("GetFeedbackCalAttn was SUCCESSFUL.")  # entry 15, as the screen showed
+if MENU + "1" in shown:
+    fail("after fg the line is drawn more than once", shown.encode())
 shell.prompt(MENU, "-1\r")
 shell.prompt(MENU, "-1\r")
 
