@@ -450,6 +450,31 @@ TEST_F(AutomatedTestTest, EachGroupReturnsZeroOrMinusOneWhereItStopsEarly)
             EXPECT_EQ(RunHandler(c.group, hCal, c.answers).result, -1) << c.failing;
         }
     }
+    // A session that ends inside a group: the groups that can stop early say
+    // so; the configuration and Rx groups always answer 0.
+    struct Stop {
+        int (*group)(CalInterfaceHandle);
+        const char *operation;  // SIGTERM at its first call
+        int result;
+    } stops[] = {
+        {AutomatedLoopbackGroupTest, "Q7_CalibrateLCTrim", -1},  {AutomatedLoopbackGroupTest, "Q7_CalibrateTxPoutFreqCorr", -1},
+        {AutomatedLoopbackGroupTest, "Q7_CalibrateFESteps", -1}, {AutomatedOtherCommandGroupTest, "Q7_SetGPIOConfiguration", -1},
+        {AutomatedOtherCommandGroupTest, "Q7_ReadRFICRegister", -1}, {AutomatedOtherCommandGroupTest, "Q7_GetTemperature", -1},
+        {AutomatedOtherCommandGroupTest, "Q7_SetGPDACValue", -1}, {AutomatedConfigurationGroupTest, "Q7_GetDeviceMode", 0},
+        {AutomatedRxGroupTest, "Q7_SetRxAntConfig", 0},
+    };
+    for (const Stop &stop : stops) {
+        CatchStopSignalsInTest();
+        q7sim::control::OnEveryCall([&stop, seen = 0u](const std::string &operation) mutable {
+            if (operation == stop.operation && ++seen == 1)
+                raise(SIGTERM);
+        });
+        EXPECT_EQ(RunHandler(stop.group, hCal, "\n").result, stop.result) << stop.operation;
+        ReleaseStopSignals();
+        u32DeviceModeStackPointer = 0;  // the driver pops what a group left pushed
+        q7sim::control::Reset();
+        SetUp();
+    }
 }
 
 TEST_F(AutomatedTestTest, AFailingCalibrationStopsTheLoopbackGroupAfterItsPops)
