@@ -113,7 +113,7 @@ struct RunItem {
     const char *command;     /* the command heading it is printed under; null: the section */
     const char *name;        /* values, lists, states: the label as printed */
     const char *quantity;    /* values, lists, tails: whose limits judge it; null: none */
-    size_t count;            /* values on the line; a list's entries (0: from `lengthLabel`); else 0 */
+    size_t count;            /* values on the line; a list's entries, unless `lengthLabel` gives them */
     const char *lengthLabel; /* lists: the line before them that gives their length */
     const char *expected;    /* states: what a healthy unit shows; refusals: the pin; tails: the list */
 };
@@ -121,19 +121,23 @@ struct RunItem {
 /* The items by kind, each with what its kind needs. */
 constexpr RunItem Verdict(const char *section, const char *name)
 {
-    return {kRunVerdict, section, nullptr, name, nullptr, 0, nullptr, nullptr};
+    return {kRunVerdict, section, nullptr, name, nullptr, {}, nullptr, nullptr};
 }
 /* `count` values on one line, judged by `quantity`'s limits. */
 constexpr RunItem Value(const char *section, const char *command, const char *label, const char *quantity, size_t count)
 {
     return {kRunValue, section, command, label, quantity, count, nullptr, nullptr};
 }
-/* A list of `entries`, or of as many as the line `lengthLabel` says (with
- * `entries` 0); judged by `quantity`'s limits, or only counted without one. */
+/* A list of `entries`, judged by `quantity`'s limits, or only counted without one. */
 constexpr RunItem List(const char *section, const char *command, const char *label, const char *quantity,
-                       size_t entries, const char *lengthLabel)
+                       size_t entries)
 {
-    return {kRunList, section, command, label, quantity, entries, lengthLabel, nullptr};
+    return {kRunList, section, command, label, quantity, entries, nullptr, nullptr};
+}
+/* A list of as many entries as the line `lengthLabel` before it says. */
+constexpr RunItem CountedList(const char *section, const char *command, const char *label, const char *lengthLabel)
+{
+    return {kRunList, section, command, label, nullptr, {}, lengthLabel, nullptr};
 }
 /* A figure of the list `of`: its 10th percentile or its peak. */
 constexpr RunItem Statistic(RunItemKind kind, const char *section, const char *command, const char *name, const char *of)
@@ -142,11 +146,11 @@ constexpr RunItem Statistic(RunItemKind kind, const char *section, const char *c
 }
 constexpr RunItem State(const char *section, const char *command, const char *label, const char *healthy)
 {
-    return {kRunState, section, command, label, nullptr, 0, nullptr, healthy};
+    return {kRunState, section, command, label, nullptr, {}, nullptr, healthy};
 }
 constexpr RunItem Refusal(const char *section, const char *name, const char *pin)
 {
-    return {kRunRefusal, section, nullptr, name, nullptr, 0, nullptr, pin};
+    return {kRunRefusal, section, nullptr, name, nullptr, {}, nullptr, pin};
 }
 /* The checksum lines' block names, trimmed: a state each. */
 #define RUN_BLOCK_STATE(name) State(TEXT_DSD_MANAGEMENT_GROUP, nullptr, name " checksum", TEXT_VALID)
@@ -183,13 +187,12 @@ inline constexpr RunItem kRunItems[] = {
     Verdict(TEXT_TX_SWITCH_SECTION, "antenna 2"),
     Verdict(TEXT_TX_SWITCH_SECTION, "antenna 1 again"),
 
-    List(TEXT_LOOPBACK_GROUP, "Calibrate LC Trim", TEXT_LC_TRIM, nullptr, 0, TEXT_LC_TRIM_COUNT),
+    CountedList(TEXT_LOOPBACK_GROUP, "Calibrate LC Trim", TEXT_LC_TRIM, TEXT_LC_TRIM_COUNT),
     Value(TEXT_LOOPBACK_GROUP, "Calibrate FE Steps", TEXT_PGA_GAIN_CORRECTION, TEXT_PGA_GAIN_CORRECTION, 2),
     Value(TEXT_LOOPBACK_GROUP, "Calibrate FE Steps", TEXT_LNA_MID_GAIN_STEP, TEXT_LNA_MID_GAIN_STEP, 2),
     Value(TEXT_LOOPBACK_GROUP, "Calibrate FE Steps", TEXT_LNA_HIGH_GAIN_STEP, TEXT_LNA_HIGH_GAIN_STEP, 2),
     Value(TEXT_LOOPBACK_GROUP, "Calibrate FE Steps", TEXT_LNA_EXT_GAIN_STEP, TEXT_LNA_EXT_GAIN_STEP, 2),
-    List(TEXT_LOOPBACK_GROUP, "Calibrate Tx external attenuator step", TEXT_TX_EXT_ATTN_STEP, TEXT_TX_EXT_ATTN_STEP,
-         20, nullptr),
+    List(TEXT_LOOPBACK_GROUP, "Calibrate Tx external attenuator step", TEXT_TX_EXT_ATTN_STEP, TEXT_TX_EXT_ATTN_STEP, 20),
 
     Verdict(TEXT_OTHER_GROUP, "LED write 0"),
     Verdict(TEXT_OTHER_GROUP, "LED write 1"),
@@ -202,7 +205,7 @@ inline constexpr RunItem kRunItems[] = {
     Verdict(TEXT_RFIC_WRITE_SECTION, "saved value restored"),
     Value(TEXT_TEMPERATURE_SECTION, "GetTemperature", TEXT_TEMPERATURE, TEXT_TEMPERATURE, 1),
     Value(TEXT_GP_ADC_DAC_SECTION, nullptr, "GP ADC value", "GP ADC value", 4),
-    List(TEXT_SPECTRUM_SECTION, "GetRxSpectrum", "Rx spectrum", nullptr, 0, TEXT_SPECTRUM_LENGTH),
+    CountedList(TEXT_SPECTRUM_SECTION, "GetRxSpectrum", "Rx spectrum", TEXT_SPECTRUM_LENGTH),
     Statistic(kRunLowTail, TEXT_SPECTRUM_SECTION, "GetRxSpectrum", "Rx spectrum noise floor", "Rx spectrum"),
     Statistic(kRunPeak, TEXT_SPECTRUM_SECTION, "GetRxSpectrum", "Rx spectrum peak", "Rx spectrum"),
 

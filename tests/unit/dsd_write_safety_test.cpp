@@ -36,6 +36,7 @@
 #include "commands.h"
 #include "console.h"
 #include "console_capture.h"
+#include "diagnostics.h"
 #include "failing_malloc.h"
 #include "scripted_session.h"
 
@@ -424,6 +425,14 @@ TEST_F(DsdWriteSafetyTest, AWriteWhoseAllocationFailsClaimsNothing)
             EXPECT_TRUE(DsdStores() == before || SaysAStoreMayBeLeftChanged(run.output));
         }
     }
+    // The NVM mode test, whose images cannot be allocated, touches nothing.
+    const std::vector<uint8_t> before = DsdStores();
+    CountAllocations(1);
+    HandlerRun run = RunHandler(NvmModeTest, hCal, "0\n");
+    StopCountingAllocations();
+    EXPECT_EQ(run.result, -1);
+    EXPECT_TRUE(EndsWith(run.output, "\nERROR: Not enough memory for the NVM mode test\n")) << run.output;
+    EXPECT_TRUE(DsdStores() == before);
 }
 
 // Standard output that dies in the middle of a write: it is a pipe read by a
