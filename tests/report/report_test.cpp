@@ -1,23 +1,8 @@
 // q7cal-report's reader, value lines, limits and writers. Whole transcripts
-// and their verdicts are golden cases under golden/report/; the files a line
-// keeps (JUnit by the strict schema and junitparser, JSON, the HTML page in
-// Chromium) are checked by report_files_test.sh. Here: what a transcript
-// alone cannot pin down.
-//
-// The recorded transcripts of golden/report/ come from the program with
-// instant sleeps; the failing ones with the simulated device's faults set
-// before the session, or a session that breaks the unit:
-//   stuck_led.in        StickGpioPin(11, 0): the LED write 1 test fails
-//   faulty_unit.in      FailNext("Q7_SetTxOutputPower", 1), FailNext("Q7_CalibrateFESteps", 1),
-//                       FailCall("Q7_SetGPIOConfiguration", 2): an error glued to its
-//                       announcement, an error in a section without verdicts, and the
-//                       GPIO writes that should have been refused going through
-//   incomplete_run.in   answers "9 2 <Enter>": input ends at the second pause
-//   corrupted_store.in  byte writes without restore at 0x100 (RF block) and 0x700
-//                       (CAL block), then the automated run
-//   hot_unit.in         the die temperature forced to 133 C when it is read
-//   out_of_step.in      the automated run's answers with a stray "5" after them
-//   nvm_mode_test.in    the NVM mode test, the one command without a heading
+// and their verdicts are golden cases under golden/report/ (records.txt says
+// how each was recorded); the files a line keeps (JUnit by the strict schema
+// and junitparser, JSON, the HTML page in Chromium) are checked by
+// report_files_test.sh. Here: what a transcript alone cannot pin down.
 #include <gtest/gtest.h>
 #include <tinyxml2.h>
 
