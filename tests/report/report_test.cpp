@@ -6,15 +6,17 @@
 #include <gtest/gtest.h>
 #include <tinyxml2.h>
 
+#include <algorithm>
 #include <cmath>
 #include <fstream>
 #include <nlohmann/json.hpp>
 #include <sstream>
 #include <string>
 
+#include "line_classifier.h"
 #include "measurement_limits.h"
 #include "report_writers.h"
-#include "line_classifier.h"
+#include "run_plan.h"
 #include "transcript.h"
 
 namespace {
@@ -57,6 +59,24 @@ const Check *Find(const UnitRecord &record, const std::string &name)
         if (check.name == name)
             return &check;
     return nullptr;
+}
+
+// The healthy run's lines, and the run judged with line `at` replaced by `replacement`.
+std::vector<std::string> HealthyLines()
+{
+    std::vector<std::string> lines;
+    for (const q7report::TimedLine &line : Lines(Golden("healthy_run")))
+        lines.push_back(line.text);
+    return lines;
+}
+
+UnitRecord JudgeEdited(const std::vector<std::string> &lines, size_t at, const std::vector<std::string> &replacement)
+{
+    std::string text;
+    for (size_t i = 0; i < lines.size(); i++)
+        for (const std::string &line : i == at ? replacement : std::vector<std::string>{lines[i]})
+            text += line + "\n";
+    return Judge(text);
 }
 
 TEST(ReportTest, ACommandPassesOnlyWithItsGoodEndingAndNothingAmiss)
@@ -161,11 +181,8 @@ TEST(ReportTest, TheRunEndsJudgedByItsFinalPopAndTheLineAfterIt)
 // write's words are the device library's, and any words will do.
 TEST(ReportTest, EveryLineThePlanNeedsFailsTheUnitWhenMissingRepeatedOrSpoilt)
 {
-    const std::string healthy = Golden("healthy_run");
-    std::vector<std::string> lines;
-    for (const q7report::TimedLine &line : Lines(healthy))
-        lines.push_back(line.text);
-    const UnitRecord judged = Judge(healthy);
+    const std::vector<std::string> lines = HealthyLines();
+    const UnitRecord judged = Judge(Golden("healthy_run"));
     ASSERT_TRUE(judged.Passed());
     std::map<size_t, bool> needed;  // line index, and whether its words are the library's
     for (const Check &check : judged.checks) {
@@ -180,11 +197,7 @@ TEST(ReportTest, EveryLineThePlanNeedsFailsTheUnitWhenMissingRepeatedOrSpoilt)
     }
     ASSERT_GE(needed.size(), 150u);
     auto judgeWith = [&](size_t at, const std::vector<std::string> &replacement) {
-        std::string text;
-        for (size_t i = 0; i < lines.size(); i++)
-            for (const std::string &line : i == at ? replacement : std::vector<std::string>{lines[i]})
-                text += line + "\n";
-        return Judge(text);
+        return JudgeEdited(lines, at, replacement);
     };
     for (const auto &[at, libraryWords] : needed) {
         const std::string &line = lines[at];
@@ -194,6 +207,63 @@ TEST(ReportTest, EveryLineThePlanNeedsFailsTheUnitWhenMissingRepeatedOrSpoilt)
         spoilt = spoilt.substr(0, spoilt.find_last_of(" \t=") + 1) + "x";
         if (!libraryWords) {
             EXPECT_FALSE(judgeWith(at, {spoilt}).Passed()) << "spoilt: " << spoilt;
+        }
+    }
+}
+
+// The plan's names at the edges of each section: its first and last items
+// named and classed by it. A section whose heading is lost misses every item
+// it plans, each by its own name, class and kind; its heading shown twice, a
+// heading the plan does not know, or a verdict after its last is an
+// unexpected line of that section.
+TEST(ReportTest, EverySectionNamesItsItemsByThePlanUpToItsEdges)
+{
+    const std::vector<std::string> lines = HealthyLines();
+    const UnitRecord judged = Judge(Golden("healthy_run"));
+    for (const RunSection &section : kRunSections) {
+        const std::string group = kRunGroups[section.group].name, classname = "automated." + group;
+        auto unexpectedAt = [&](const UnitRecord &record, size_t line) {
+            const Check *unexpected = Find(record, std::string(section.title) + ": unexpected line");
+            return unexpected && !unexpected->passed && unexpected->classname == classname && unexpected->line == line;
+        };
+        size_t heading = 0;
+        while (q7report::Classify(lines[heading]).kind != q7report::ClassifiedLine::kSectionHeading ||
+               q7report::Classify(lines[heading]).label != section.title)
+            ASSERT_LT(++heading, lines.size()) << section.title;
+        EXPECT_TRUE(unexpectedAt(JudgeEdited(lines, heading, {lines[heading], lines[heading]}), heading + 2))
+            << section.title;
+        EXPECT_TRUE(unexpectedAt(JudgeEdited(lines, heading, {lines[heading], lines[heading] + " again"}), heading + 2))
+            << section.title;
+
+        std::vector<std::string> names, missed;  // the section's items: their checks, and what each missed says
+        std::string lastVerdict;
+        for (const RunItem &item : kRunItems) {
+            if (std::string(item.section) != section.title)
+                continue;
+            names.push_back(std::string(item.command ? item.command : item.section) + ": " + item.name);
+            bool checked = item.kind == kRunVerdict || item.kind == kRunState || item.kind == kRunRefusal;
+            missed.push_back(std::string(checked ? "not checked: " : "not measured: ") + item.name + " (" + group +
+                             " group, before line ");
+            if (item.kind == kRunVerdict)
+                lastVerdict = names.back();
+        }
+        if (names.empty())
+            continue;
+        const Check *first = Find(judged, names.front()), *last = Find(judged, names.back());
+        ASSERT_TRUE(first && last) << section.title;
+        EXPECT_TRUE(first->classname == classname && last->classname == classname && first->line <= last->line);
+        const UnitRecord lost = JudgeEdited(lines, heading, {});
+        for (size_t i = 0; i < names.size(); i++) {
+            auto check = std::find_if(lost.checks.begin(), lost.checks.end(),
+                                      [&](const Check &c) { return c.name == names[i] && !c.passed; });
+            ASSERT_NE(check, lost.checks.end()) << names[i];
+            EXPECT_EQ(check->classname, classname) << names[i];
+            EXPECT_EQ(check->message.substr(0, missed[i].size()), missed[i]) << names[i];
+        }
+        if (!lastVerdict.empty()) {
+            const size_t at = Find(judged, lastVerdict)->line;
+            const UnitRecord repeated = JudgeEdited(lines, at - 1, {lines[at - 1], lines[at - 1]});
+            EXPECT_TRUE(Find(repeated, lastVerdict)->passed && unexpectedAt(repeated, at + 1)) << lastVerdict;
         }
     }
 }
