@@ -34,7 +34,8 @@ record = sys.argv[1] == "--record"
 report, golden, case = sys.argv[1 + record:4 + record]
 path = os.path.join(golden, case)
 transcript = open(path + ".in", encoding="utf-8").read()
-scratch = tempfile.mkdtemp()
+kept_scratch = tempfile.TemporaryDirectory()  # removed when the test ends
+scratch = kept_scratch.name
 run = subprocess.run([report, "--unit=SN1042", "--station=ST7", "--operator=Q", "--json=" + scratch + "/unit.json",
                       "--junit=" + scratch + "/unit.xml", "--html=" + scratch + "/unit.html", "-"],
                      stdin=open(path + ".in"), stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL)
@@ -199,8 +200,8 @@ for line in section.group(2).splitlines():
                              **json.loads(changes))
 faults = ["%s: %s, expected %s" % (name, value, expected_members.get(name))
           for name, value in members(document).items() if expected_members.get(name, ...) != value]
-faults += ["%s %s: %s" % (key[0], json.dumps(key[1:]), {k: (v, item.get(k)) for k, v in expected[key].items()
-                                                            if item.get(k, ...) != v})
+faults += ["%s %s: %s" % (key[0], json.dumps(key[1:]), {k: (expected[key].get(k), item.get(k)) for k in
+                                                            set(item) | set(expected[key]) if item.get(k, ...) != expected[key].get(k, ...)})
            for key, item in actual.items() if key in expected and item != expected[key]]
 faults += ["%s %s is not expected" % key[:2] for key in actual if key not in expected]
 faults += ["%s %s is missing" % key[:2] for key in expected if key not in actual]
