@@ -196,17 +196,14 @@ TEST(ReportTest, EveryLineThePlanNeedsFailsTheUnitWhenMissingRepeatedOrSpoilt)
                 needed[++at] = false;
     }
     ASSERT_GE(needed.size(), 150u);
-    auto judgeWith = [&](size_t at, const std::vector<std::string> &replacement) {
-        return JudgeEdited(lines, at, replacement);
-    };
     for (const auto &[at, libraryWords] : needed) {
         const std::string &line = lines[at];
-        EXPECT_FALSE(judgeWith(at, {}).Passed()) << "deleted: " << line;
-        EXPECT_FALSE(judgeWith(at, {line, line}).Passed()) << "repeated: " << line;
+        EXPECT_FALSE(JudgeEdited(lines, at, {}).Passed()) << "deleted: " << line;
+        EXPECT_FALSE(JudgeEdited(lines, at, {line, line}).Passed()) << "repeated: " << line;
         std::string spoilt = q7report::TrimRight(line);
         spoilt = spoilt.substr(0, spoilt.find_last_of(" \t=") + 1) + "x";
         if (!libraryWords) {
-            EXPECT_FALSE(judgeWith(at, {spoilt}).Passed()) << "spoilt: " << spoilt;
+            EXPECT_FALSE(JudgeEdited(lines, at, {spoilt}).Passed()) << "spoilt: " << spoilt;
         }
     }
 }
