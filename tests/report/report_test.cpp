@@ -1,26 +1,12 @@
 // q7cal-report's reader, value lines, limits and writers. Whole transcripts
-// and their verdicts are golden cases under golden/report/; the files a line
-// keeps (JUnit by the strict schema and junitparser, JSON, the HTML page in
-// Chromium) are checked by report_files_test.sh. Here: what a transcript
-// alone cannot pin down.
-//
-// The recorded transcripts of golden/report/ come from the program with
-// instant sleeps; the failing ones with the simulated device's faults set
-// before the session, or a session that breaks the unit:
-//   stuck_led.in        StickGpioPin(11, 0): the LED write 1 test fails
-//   faulty_unit.in      FailNext("Q7_SetTxOutputPower", 1), FailNext("Q7_CalibrateFESteps", 1),
-//                       FailCall("Q7_SetGPIOConfiguration", 2): an error glued to its
-//                       announcement, an error in a section without verdicts, and the
-//                       GPIO writes that should have been refused going through
-//   incomplete_run.in   answers "9 2 <Enter>": input ends at the second pause
-//   corrupted_store.in  byte writes without restore at 0x100 (RF block) and 0x700
-//                       (CAL block), then the automated run
-//   hot_unit.in         the die temperature forced to 133 C when it is read
-//   out_of_step.in      the automated run's answers with a stray "5" after them
-//   nvm_mode_test.in    the NVM mode test, the one command without a heading
+// and their verdicts are golden cases under golden/report/ (records.txt says
+// how each was recorded); the files a line keeps (JUnit by the strict schema
+// and junitparser, JSON, the HTML page in Chromium) are checked by
+// report_files_test.sh. Here: what a transcript alone cannot pin down.
 #include <gtest/gtest.h>
 #include <tinyxml2.h>
 
+#include <algorithm>
 #include <cmath>
 #include <fstream>
 #include <nlohmann/json.hpp>
@@ -31,6 +17,7 @@
 #include "line_classifier.h"
 #include "measurement_limits.h"
 #include "report_writers.h"
+#include "run_plan.h"
 #include "transcript.h"
 
 namespace {
@@ -73,6 +60,24 @@ const Check *Find(const UnitRecord &record, const std::string &name)
         if (check.name == name)
             return &check;
     return nullptr;
+}
+
+// The healthy run's lines, and the run judged with line `at` replaced by `replacement`.
+std::vector<std::string> HealthyLines()
+{
+    std::vector<std::string> lines;
+    for (const q7report::TimedLine &line : Lines(Golden("healthy_run")))
+        lines.push_back(line.text);
+    return lines;
+}
+
+UnitRecord JudgeEdited(const std::vector<std::string> &lines, size_t at, const std::vector<std::string> &replacement)
+{
+    std::string text;
+    for (size_t i = 0; i < lines.size(); i++)
+        for (const std::string &line : i == at ? replacement : std::vector<std::string>{lines[i]})
+            text += line + "\n";
+    return Judge(text);
 }
 
 TEST(ReportTest, ACommandPassesOnlyWithItsGoodEndingAndNothingAmiss)
@@ -177,11 +182,8 @@ TEST(ReportTest, TheRunEndsJudgedByItsFinalPopAndTheLineAfterIt)
 // write's words are the device library's, and any words will do.
 TEST(ReportTest, EveryLineThePlanNeedsFailsTheUnitWhenMissingRepeatedOrSpoilt)
 {
-    const std::string healthy = Golden("healthy_run");
-    std::vector<std::string> lines;
-    for (const q7report::TimedLine &line : Lines(healthy))
-        lines.push_back(line.text);
-    const UnitRecord judged = Judge(healthy);
+    const std::vector<std::string> lines = HealthyLines();
+    const UnitRecord judged = Judge(Golden("healthy_run"));
     ASSERT_TRUE(judged.Passed());
     std::map<size_t, bool> needed;  // line index, and whether its words are the library's
     for (const Check &check : judged.checks) {
@@ -195,21 +197,71 @@ TEST(ReportTest, EveryLineThePlanNeedsFailsTheUnitWhenMissingRepeatedOrSpoilt)
                 needed[++at] = false;
     }
     ASSERT_GE(needed.size(), 150u);
-    auto judgeWith = [&](size_t at, const std::vector<std::string> &replacement) {
-        std::string text;
-        for (size_t i = 0; i < lines.size(); i++)
-            for (const std::string &line : i == at ? replacement : std::vector<std::string>{lines[i]})
-                text += line + "\n";
-        return Judge(text);
-    };
     for (const auto &[at, libraryWords] : needed) {
         const std::string &line = lines[at];
-        EXPECT_FALSE(judgeWith(at, {}).Passed()) << "deleted: " << line;
-        EXPECT_FALSE(judgeWith(at, {line, line}).Passed()) << "repeated: " << line;
+        EXPECT_FALSE(JudgeEdited(lines, at, {}).Passed()) << "deleted: " << line;
+        EXPECT_FALSE(JudgeEdited(lines, at, {line, line}).Passed()) << "repeated: " << line;
         std::string spoilt = q7report::TrimRight(line);
         spoilt = spoilt.substr(0, spoilt.find_last_of(" \t=") + 1) + "x";
         if (!libraryWords) {
-            EXPECT_FALSE(judgeWith(at, {spoilt}).Passed()) << "spoilt: " << spoilt;
+            EXPECT_FALSE(JudgeEdited(lines, at, {spoilt}).Passed()) << "spoilt: " << spoilt;
+        }
+    }
+}
+
+// The plan's names at the edges of each section: its first and last items
+// named and classed by it. A section whose heading is lost misses every item
+// it plans, each by its own name, class and kind; its heading shown twice, a
+// heading the plan does not know, or a verdict after its last is an
+// unexpected line of that section.
+TEST(ReportTest, EverySectionNamesItsItemsByThePlanUpToItsEdges)
+{
+    const std::vector<std::string> lines = HealthyLines();
+    const UnitRecord judged = Judge(Golden("healthy_run"));
+    for (const RunSection &section : kRunSections) {
+        const std::string group = kRunGroups[section.group].name, classname = "automated." + group;
+        auto unexpectedAt = [&](const UnitRecord &record, size_t line) {
+            const Check *unexpected = Find(record, std::string(section.title) + ": unexpected line");
+            return unexpected && !unexpected->passed && unexpected->classname == classname && unexpected->line == line;
+        };
+        size_t heading = 0;
+        while (q7report::Classify(lines[heading]).kind != q7report::ClassifiedLine::kSectionHeading ||
+               q7report::Classify(lines[heading]).label != section.title)
+            ASSERT_LT(++heading, lines.size()) << section.title;
+        EXPECT_TRUE(unexpectedAt(JudgeEdited(lines, heading, {lines[heading], lines[heading]}), heading + 2))
+            << section.title;
+        EXPECT_TRUE(unexpectedAt(JudgeEdited(lines, heading, {lines[heading], lines[heading] + " again"}), heading + 2))
+            << section.title;
+
+        std::vector<std::string> names, missed;  // the section's items: their checks, and what each missed says
+        std::string lastVerdict;
+        for (const RunItem &item : kRunItems) {
+            if (std::string(item.section) != section.title)
+                continue;
+            names.push_back(std::string(item.command ? item.command : item.section) + ": " + item.name);
+            bool checked = item.kind == kRunVerdict || item.kind == kRunState || item.kind == kRunRefusal;
+            missed.push_back(std::string(checked ? "not checked: " : "not measured: ") + item.name + " (" + group +
+                             " group, before line ");
+            if (item.kind == kRunVerdict)
+                lastVerdict = names.back();
+        }
+        if (names.empty())
+            continue;
+        const Check *first = Find(judged, names.front()), *last = Find(judged, names.back());
+        ASSERT_TRUE(first && last) << section.title;
+        EXPECT_TRUE(first->classname == classname && last->classname == classname && first->line <= last->line);
+        const UnitRecord lost = JudgeEdited(lines, heading, {});
+        for (size_t i = 0; i < names.size(); i++) {
+            auto check = std::find_if(lost.checks.begin(), lost.checks.end(),
+                                      [&](const Check &c) { return c.name == names[i] && !c.passed; });
+            ASSERT_NE(check, lost.checks.end()) << names[i];
+            EXPECT_EQ(check->classname, classname) << names[i];
+            EXPECT_EQ(check->message.substr(0, missed[i].size()), missed[i]) << names[i];
+        }
+        if (!lastVerdict.empty()) {
+            const size_t at = Find(judged, lastVerdict)->line;
+            const UnitRecord repeated = JudgeEdited(lines, at - 1, {lines[at - 1], lines[at - 1]});
+            EXPECT_TRUE(Find(repeated, lastVerdict)->passed && unexpectedAt(repeated, at + 1)) << lastVerdict;
         }
     }
 }
