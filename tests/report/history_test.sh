@@ -236,6 +236,13 @@ report --db="$db" --unit=LOCKED "$golden/healthy_run.in" >"$scratch/out" 2>"$scr
 [ $? -eq 2 ] && [ "$(wc -l <"$scratch/err")" -eq 1 ] && grep -q "^q7cal-report: cannot reach the history .*locked by another station.*1 record waits" "$scratch/err" &&
   grep -q PASS "$scratch/out" || fail "a database another station holds: $(cat "$scratch/err")"
 wait $holder
+# A spooled record with a column short is refused and left where it is.
+spooled=$(ls "$scratch"/spool/*.json | tail -n 1)  # the newest: the locked unit's
+cp "$spooled" "$scratch/spooled"
+/usr/bin/python3 -c 'import json, sys; r = json.load(open(sys.argv[1])); r["entry"]["run"].pop(); json.dump(r, open(sys.argv[1], "w"))' "$spooled"
+report --db="$db" --flush 2>"$scratch/err" && fail "a damaged spooled record was appended"
+grep -q "is no record of this q7cal-report's" "$scratch/err" && [ -f "$spooled" ] || fail "a damaged record: $(cat "$scratch/err")"
+mv "$scratch/spooled" "$spooled"
 report --db="$db" --flush && report --db="$db" --flush || fail "--flush"
 report --history --db="$db" --unit=LOCKED | grep -q ': 1 runs$' || fail "the spooled record was not appended once"
 
