@@ -307,7 +307,7 @@ def main():
     configure = ["cmake", "-S", copy, "-B", build, "-DCMAKE_BUILD_TYPE=Debug", "-DQ7_SANITIZE=ON", "-DQ7_TESTS=ON",
                  "-DQ7_WERROR=ON"]
     make = ["cmake", "--build", build, "-j", "2"]
-    ctest = ["ctest", "--test-dir", build, "-j", "2", "--timeout", str(args.timeout)]
+    ctest = ["ctest", "--test-dir", build, "-j", "2", "--timeout", str(args.timeout), "--output-on-failure"]
     # The tests that can see a mutant: q7cal-report's alone reach its sources,
     # and its history and files never run q7cal. Without --all-killers, CTest
     # stops at the first test that fails.
@@ -356,13 +356,21 @@ def main():
         run(make, copy, log, 3600)
         return
     if args.retest:
-        by_key = {(key(mutant), str(mutant[1])): mutant for mutant in candidates}
+        # A survivor is found again by its change; the line it stands on may
+        # have moved since (the nearest wins), or the change be gone with it.
+        by_key = {}
+        for mutant in candidates:
+            by_key.setdefault(key(mutant), []).append(mutant)
         rows = [line.rstrip("\n").split("\t") for line in open(table_path, encoding="utf-8")]
         for number, row in enumerate(rows, 1):
             if not row[2] and not equivalence(known, row[0], row[1]):
+                if row[0] not in by_key:
+                    print("%3d  gone             %s (the line is no longer in src/)" % (number, row[0]), flush=True)
+                    continue
+                mutant = min(by_key[row[0]], key=lambda found: abs(found[1] - int(row[1])))
                 started = time.time()
-                row[2] = " ".join(kills_of(by_key[(row[0], row[1])]) or [])
-                show(number, row[2], by_key[(row[0], row[1])], started)
+                row[2] = " ".join(kills_of(mutant) or [])
+                show(number, row[2], mutant, started)
         with open(table_path, "w", encoding="utf-8") as table:
             table.writelines("\t".join(row) + "\n" for row in rows)
     else:
