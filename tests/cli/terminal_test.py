@@ -107,7 +107,8 @@ if "\a" not in shown or "5~" in shown:
 q7cal.prompt(TX_SELECTOR, "1\r")
 
 # Set Tx output power: answers that look like -20 or 20 but are not numbers
-# are refused and asked again; then -20, typed with a slip mended (backspace,
+# are shown as typed (a \U+ code for each character beyond ASCII), refused
+# and asked again; then -20, typed with a slip mended (backspace,
 # and a 2 put in with the left arrow), reaches the device.
 q7cal.prompt(MENU, "4\r")
 for lookalike in ("\u221220", "2\u00a00", "\uff12\uff10", "20\u07ff"):
@@ -115,6 +116,8 @@ for lookalike in ("\u221220", "2\u00a00", "\uff12\uff10", "20\u07ff"):
     shown = q7cal.wait_for("Please enter a number.")
     if "Not a number." not in shown or "SUCCESSFUL" in shown:
         fail("%r was not refused:" % lookalike, shown.encode())
+    if "".join(c if c < "\x80" else "\\U+%04X" % ord(c) for c in lookalike) not in shown:
+        fail("%r was not shown as typed:" % lookalike, shown.encode())
 q7cal.prompt(TX_POWER, "-0x\x7f\x1b[D2\r")
 q7cal.wait_for("SetTxOutputPower was SUCCESSFUL.")
 q7cal.prompt(MENU, "3\r")
