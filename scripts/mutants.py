@@ -29,6 +29,12 @@ a cut of the suite is checked against.
 --list prints the sampled mutants without building anything. --retest tests
 the survivors of a finished run again, with the suite as it stands: for a run
 whose test selection missed tests, not for a suite grown since.
+
+The equivalent list is checked as it stands by every --score: an entry whose
+line no longer offers its mutant (the code changed), and an entry whose
+mutant a test killed in any finished run (build-mutants/kills-*.tsv), are
+printed as wrong. --recheck-equivalents plants every listed mutant and runs
+the suite on it, and prints those a test now kills (N and SEED are ignored).
 """
 import argparse
 import filecmp
@@ -117,9 +123,11 @@ def sites(path, text):
             bracket = code.rfind("[", 0, match.start())
             if bracket > code.rfind("]", 0, match.start()) and DECLARATOR.search(code[:bracket]):
                 continue  # an array's size: a larger one changes nothing, a smaller one the compiler may see
-            value = int(match.group(1), 0)
+            text = match.group(1)
+            octal = len(text) > 1 and text[0] == "0" and text[1].isdigit()  # C's 0700
+            value = int(text, 8 if octal else 0)
             for moved in ([value + 1] if value == 0 else [value + 1, value - 1]):
-                literal = "0x%X" % moved if match.group(1)[:2] in ("0x", "0X") else str(moved)
+                literal = "0x%X" % moved if text[:2] in ("0x", "0X") else "0%o" % moved if octal else str(moved)
                 new = line[:match.start(1)] + literal + line[match.end(1):]
                 found.append((path, number, "constant", line, new))
         call = LONE_CALL.match(code)
@@ -166,6 +174,52 @@ def equivalence(known, mutant_key, number):
     change anywhere in the file), or by its key and function ("KEY | in NAME")."""
     path, _, old = mutant_key.split(" | ")[:3]
     return known.get(mutant_key, known.get("%s | in %s" % (mutant_key, enclosing_function(path, int(number), old))))
+
+
+def listed_equivalents():
+    """Every entry of the equivalent list: (entry, reason)."""
+    entries, reason = [], ""
+    if os.path.exists(EQUIVALENT_LIST):
+        for line in open(EQUIVALENT_LIST, encoding="utf-8"):
+            line = line.rstrip("\n")
+            if line.startswith("# "):
+                reason = line[2:]
+            elif line.strip() and not line.startswith("#"):
+                entries.append((line.strip(), reason))
+    return entries
+
+
+def listed_sites(candidates):
+    """Each entry of the equivalent list and the mutants of src/ it names
+    (none when its line no longer offers it)."""
+    by_key = {}
+    for mutant in candidates:
+        by_key.setdefault(key(mutant), []).append(mutant)
+    named = []
+    for entry, _ in listed_equivalents():
+        base, _, function = entry.partition(" | in ")
+        mutants = [m for m in by_key.get(base, [])
+                   if not function or enclosing_function(m[0], m[1], m[3].strip()) == function]
+        named.append((entry, mutants))
+    return named
+
+
+def check_equivalents(known):
+    """Prints the entries of the equivalent list that are wrong as it stands."""
+    wrong = 0
+    for entry, mutants in listed_sites(all_sites()):
+        if not mutants:
+            print("  STALE       %s\n              (its line no longer offers this mutant)" % entry)
+            wrong += 1
+    for table in sorted(os.listdir(os.path.join(ROOT, "build-mutants"))):
+        if not re.match(r"kills-\d+\.tsv$", table):
+            continue
+        for row in (line.rstrip("\n").split("\t") for line in open(os.path.join(ROOT, "build-mutants", table))):
+            if row[2] and equivalence(known, row[0], row[1]):
+                print("  KILLED      line %s: %s\n              (listed as equivalent, killed in %s by %s)"
+                      % (row[1], row[0], table, row[2].split()[0]))
+                wrong += 1
+    print("the equivalent list: %d entries, %d wrong" % (len(listed_equivalents()), wrong))
 
 
 def equivalents():
@@ -224,6 +278,8 @@ def main():
     parser.add_argument("--timeout", type=int, default=120, help="seconds a test may take")
     parser.add_argument("--all-killers", action="store_true",
                         help="run every test on every mutant: the whole kill table, for cutting tests")
+    parser.add_argument("--recheck-equivalents", action="store_true",
+                        help="plant every mutant the equivalent list names and report those a test kills")
     parser.add_argument("--retest", action="store_true",
                         help="test the survivors of the finished run of SEED that are not marked equivalent again, "
                              "with the suite as it stands")
@@ -241,7 +297,9 @@ def main():
     os.makedirs(out_dir, exist_ok=True)
     table_path = os.path.join(out_dir, "kills-%d.tsv" % args.seed)
     if args.score:
-        score(args.seed, table_path, known)
+        if os.path.exists(table_path):
+            score(args.seed, table_path, known)
+        check_equivalents(known)
         return
     copy = args.tree or os.path.join(out_dir, "tree")
     sync_tree(copy)
@@ -249,7 +307,7 @@ def main():
     configure = ["cmake", "-S", copy, "-B", build, "-DCMAKE_BUILD_TYPE=Debug", "-DQ7_SANITIZE=ON", "-DQ7_TESTS=ON",
                  "-DQ7_WERROR=ON"]
     make = ["cmake", "--build", build, "-j", "2"]
-    ctest = ["ctest", "--test-dir", build, "-j", "2", "--timeout", str(args.timeout)]
+    ctest = ["ctest", "--test-dir", build, "-j", "2", "--timeout", str(args.timeout), "--output-on-failure"]
     # The tests that can see a mutant: q7cal-report's alone reach its sources,
     # and its history and files never run q7cal. Without --all-killers, CTest
     # stops at the first test that fails.
@@ -289,14 +347,30 @@ def main():
                                                   new.strip()), flush=True)
 
     print("%d sites in src/; seed %d" % (len(candidates), args.seed), flush=True)
+    if args.recheck_equivalents:
+        for entry, mutants in listed_sites(candidates):
+            for mutant in mutants:
+                kills = kills_of(mutant)
+                if kills:
+                    print("  KILLED      %s\n              (line %d, by %s)" % (entry, mutant[1], kills[0]), flush=True)
+        run(make, copy, log, 3600)
+        return
     if args.retest:
-        by_key = {(key(mutant), str(mutant[1])): mutant for mutant in candidates}
+        # A survivor is found again by its change; the line it stands on may
+        # have moved since (the nearest wins), or the change be gone with it.
+        by_key = {}
+        for mutant in candidates:
+            by_key.setdefault(key(mutant), []).append(mutant)
         rows = [line.rstrip("\n").split("\t") for line in open(table_path, encoding="utf-8")]
         for number, row in enumerate(rows, 1):
             if not row[2] and not equivalence(known, row[0], row[1]):
+                if row[0] not in by_key:
+                    print("%3d  gone             %s (the line is no longer in src/)" % (number, row[0]), flush=True)
+                    continue
+                mutant = min(by_key[row[0]], key=lambda found: abs(found[1] - int(row[1])))
                 started = time.time()
-                row[2] = " ".join(kills_of(by_key[(row[0], row[1])]) or [])
-                show(number, row[2], by_key[(row[0], row[1])], started)
+                row[2] = " ".join(kills_of(mutant) or [])
+                show(number, row[2], mutant, started)
         with open(table_path, "w", encoding="utf-8") as table:
             table.writelines("\t".join(row) + "\n" for row in rows)
     else:

@@ -58,10 +58,14 @@ void FaultPlan::PlanDataFault(const std::string &operation, unsigned nthCall, Da
         dataFaults_.emplace(operation, PlannedDataFault{nthCall - 1, fault});
 }
 
-std::optional<std::string> FaultPlan::TakeFailure(const std::string &operation)
+std::optional<std::string> FaultPlan::TakeFailure(const std::string &operation, CallArguments arguments)
 {
-    if (recordCalls_)
+    if (recordCalls_) {
         calls_.push_back(operation);
+        callArguments_.emplace_back();
+        for (const CallArgument &argument : arguments)
+            callArguments_.back().push_back(argument.value);
+    }
     if (onCall_)
         onCall_(operation);
     auto it = failures_.find(operation);
@@ -149,6 +153,7 @@ void FaultPlan::Clear()
     onCall_ = nullptr;
     recordCalls_ = false;
     calls_.clear();
+    callArguments_.clear();
 }
 
 FaultPlan &Faults()

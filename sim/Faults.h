@@ -5,12 +5,25 @@
 
 #include <cstdint>
 #include <functional>
+#include <initializer_list>
 #include <map>
 #include <optional>
 #include <string>
 #include <vector>
 
 namespace q7sim {
+
+// One value argument of a call, as the call log keeps it: every integer and
+// double argument converts exactly.
+struct CallArgument {
+    CallArgument(uint32_t value) : value(value) {}
+    CallArgument(int32_t value) : value(value) {}
+    CallArgument(double value) : value(value) {}
+    double value;
+};
+// A call's value arguments in order: the handle, out-pointers and buffers
+// left out.
+using CallArguments = std::initializer_list<CallArgument>;
 
 // A fault in the data of one DSD read or write that otherwise succeeds.
 struct DataFault {
@@ -51,11 +64,14 @@ public:
     void PlanDataFault(const std::string &operation, unsigned nthCall, DataFault fault);
 
     // Every operation that may fail passes here once per call: consumes one
-    // planned failure of `operation`, if any, and logs the call when asked to.
-    std::optional<std::string> TakeFailure(const std::string &operation);
+    // planned failure of `operation`, if any, and logs the call and its
+    // arguments when asked to.
+    std::optional<std::string> TakeFailure(const std::string &operation, CallArguments arguments = {});
     // While on, every call is logged by its Q7_ name, in order.
     void RecordCalls(bool on) { recordCalls_ = on; }
     const std::vector<std::string> &Calls() const { return calls_; }
+    // The arguments of each call in Calls(), at the same index.
+    const std::vector<std::vector<double>> &ArgumentsOfCalls() const { return callArguments_; }
     bool ConnectAnswers(unsigned attempt) const { return connectAttempt_ != 0 && attempt >= connectAttempt_; }
     // Counts one call of the read or write `operation` that reached the
     // device; the data fault planned for it, if any.
@@ -107,6 +123,7 @@ private:
     std::function<void(const std::string &operation)> onCall_;
     bool recordCalls_ = false;
     std::vector<std::string> calls_;
+    std::vector<std::vector<double>> callArguments_;
 };
 
 // The one plan of this process; it outlives interfaces so that a test can

@@ -78,9 +78,10 @@ Q7_CalInterface *FindInterface(CalInterfaceHandle handle);
 
 enum class Requires { Interface, Connection };
 
-// Runs `op(Device &) -> Status` for the operation named `name`.
+// Runs `op(Device &) -> Status` for the operation named `name`, called with
+// `arguments` (for the test-only call log).
 template <class Op>
-ApiStatus Dispatch(CalInterfaceHandle handle, const char *name, Requires requires_, Op &&op)
+ApiStatus Dispatch(CalInterfaceHandle handle, const char *name, CallArguments arguments, Requires requires_, Op &&op)
 {
     Q7_CalInterface *itf = FindInterface(handle);
     if (itf == nullptr)
@@ -88,7 +89,7 @@ ApiStatus Dispatch(CalInterfaceHandle handle, const char *name, Requires require
     if (itf->channel.Garbled())
         return kGarbledChannelText;
     itf->device.Tick();
-    if (auto failure = Faults().TakeFailure(name))
+    if (auto failure = Faults().TakeFailure(name, arguments))
         return itf->Fail(*failure);
     if (requires_ == Requires::Connection && !itf->device.connected())
         return kNotConnectedText;

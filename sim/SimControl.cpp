@@ -16,6 +16,8 @@ void RecordCalls() { Faults().RecordCalls(true); }
 
 const std::vector<std::string> &Calls() { return Faults().Calls(); }
 
+const std::vector<std::vector<double>> &ArgumentsOfCalls() { return Faults().ArgumentsOfCalls(); }
+
 void FailCall(const char *operation, unsigned nthCall, const char *text)
 {
     Faults().FailCalls(operation, nthCall, 1, text);

@@ -51,9 +51,13 @@ void FailWriteAfter(const char *operation, unsigned nthCall, uint32_t changedByt
 // until Reset: for a test that acts at the moment of a call (a signal, say).
 void OnEveryCall(std::function<void(const std::string &operation)> hook);
 // Logs, from now until Reset, the Q7_ name of every call that FailNext and
-// FailCall can fail, in call order.
+// FailCall can fail, in call order, and its arguments.
 void RecordCalls();
 const std::vector<std::string> &Calls();
+// The value arguments of each call in Calls(), at the same index, in the
+// order the Cal API declares them; the handle, out-pointers and buffers are
+// left out: {bank, register, timing} for Q7_ReadRFICRegister.
+const std::vector<std::vector<double>> &ArgumentsOfCalls();
 // Q7_ConnectDevice succeeds only from this attempt on; 0 means never.
 void ConnectSucceedsAtAttempt(unsigned attempt);
 // ---- Read-back faults: a device whose settings do not read back as written ----

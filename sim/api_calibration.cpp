@@ -15,13 +15,13 @@ extern "C" {
 
 ApiStatus Q7_SetTRSwitch(CalInterfaceHandle hCal, uint32_t u32Ant1State, uint32_t u32Ant2State)
 {
-    return Dispatch(hCal, __func__, Requires::Connection,
+    return Dispatch(hCal, __func__, {u32Ant1State, u32Ant2State}, Requires::Connection,
                     [&](Device &device) { return device.cal.SetTRSwitch(u32Ant1State, u32Ant2State); });
 }
 
 ApiStatus Q7_CalibrateLCTrim(CalInterfaceHandle hCal, int32_t *pi32LCTrim, uint32_t *pu32Count)
 {
-    return Dispatch(hCal, __func__, Requires::Connection, [&](Device &device) {
+    return Dispatch(hCal, __func__, {}, Requires::Connection, [&](Device &device) {
         std::array<int32_t, Calibration::kScanListSize> trim{};
         Status status = device.cal.CalibrateLCTrim(device.modes.mode(), trim, *pu32Count);
         if (status.ok())
@@ -33,7 +33,7 @@ ApiStatus Q7_CalibrateLCTrim(CalInterfaceHandle hCal, int32_t *pi32LCTrim, uint3
 ApiStatus Q7_CalibrateTxGains(CalInterfaceHandle hCal, uint32_t u32TxSelector, uint32_t u32CenterFreqKHz,
                               double *pdTxGains)
 {
-    return Dispatch(hCal, __func__, Requires::Connection, [&](Device &device) {
+    return Dispatch(hCal, __func__, {u32TxSelector, u32CenterFreqKHz}, Requires::Connection, [&](Device &device) {
         Calibration::TxGainTable gains{};
         Status status = device.cal.CalibrateTxGains(device.modes.mode(), u32TxSelector, device.tx.activeTx(),
                                                     u32CenterFreqKHz, gains);
@@ -45,7 +45,7 @@ ApiStatus Q7_CalibrateTxGains(CalInterfaceHandle hCal, uint32_t u32TxSelector, u
 
 ApiStatus Q7_CalibrateTxPoutFreqCorr(CalInterfaceHandle hCal, uint32_t u32ScanListIndex)
 {
-    return Dispatch(hCal, __func__, Requires::Connection, [&](Device &device) {
+    return Dispatch(hCal, __func__, {u32ScanListIndex}, Requires::Connection, [&](Device &device) {
         return device.cal.CalibrateTxPoutFreqCorr(device.modes.mode(), device.tx.activeTx(), u32ScanListIndex);
     });
 }
@@ -54,7 +54,8 @@ ApiStatus Q7_CalibrateFESteps(CalInterfaceHandle hCal, uint32_t u32ScanListIndex
                               double dRx2AmplitudeDbm, double *pdPgaGainCorrection, double *pdLnaMidGainStep,
                               double *pdLnaHighGainStep, double *pdLnaExtGainStep)
 {
-    return Dispatch(hCal, __func__, Requires::Connection, [&](Device &device) {
+    return Dispatch(hCal, __func__, {u32ScanListIndex, dRx1AmplitudeDbm, dRx2AmplitudeDbm}, Requires::Connection,
+                    [&](Device &device) {
         Calibration::FESteps steps;
         Status status = device.cal.CalibrateFESteps(device.modes.mode(), u32ScanListIndex, dRx1AmplitudeDbm,
                                                     dRx2AmplitudeDbm, steps);
@@ -70,7 +71,7 @@ ApiStatus Q7_CalibrateFESteps(CalInterfaceHandle hCal, uint32_t u32ScanListIndex
 
 ApiStatus Q7_CalibrateTxExtAttnStep(CalInterfaceHandle hCal, uint32_t u32TxSelector, double *pdSteps)
 {
-    return Dispatch(hCal, __func__, Requires::Connection, [&](Device &device) {
+    return Dispatch(hCal, __func__, {u32TxSelector}, Requires::Connection, [&](Device &device) {
         Calibration::ExtAttnTable steps{};
         Status status =
             device.cal.CalibrateTxExtAttnStep(device.modes.mode(), u32TxSelector, device.tx.activeTx(), steps);

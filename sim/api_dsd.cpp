@@ -65,12 +65,13 @@ extern "C" {
 
 ApiStatus Q7_LoadDSD(CalInterfaceHandle hCal, uint32_t u32LoadMode)
 {
-    return Dispatch(hCal, __func__, Requires::Connection, [&](Device &device) { return device.dsd.Load(u32LoadMode); });
+    return Dispatch(hCal, __func__, {u32LoadMode}, Requires::Connection,
+                    [&](Device &device) { return device.dsd.Load(u32LoadMode); });
 }
 
 ApiStatus Q7_IsDSDValid(CalInterfaceHandle hCal, uint32_t *pu32Valid)
 {
-    return Dispatch(hCal, __func__, Requires::Connection, [&](Device &device) {
+    return Dispatch(hCal, __func__, {}, Requires::Connection, [&](Device &device) {
         *pu32Valid = device.dsd.LoadedValid() ? 1 : 0;
         return Status::Ok();
     });
@@ -78,19 +79,19 @@ ApiStatus Q7_IsDSDValid(CalInterfaceHandle hCal, uint32_t *pu32Valid)
 
 ApiStatus Q7_AreDSDChecksumsValid(CalInterfaceHandle hCal, uint8_t *pu8BlockValid, uint32_t *pu32BlockCount)
 {
-    return Dispatch(hCal, __func__, Requires::Connection,
+    return Dispatch(hCal, __func__, {}, Requires::Connection,
                     [&](Device &device) { return device.dsd.BlockValidity(pu8BlockValid, pu32BlockCount); });
 }
 
 ApiStatus Q7_GetDSDChecksums(CalInterfaceHandle hCal, uint16_t *pu16Checksums, uint32_t *pu32BlockCount)
 {
-    return Dispatch(hCal, __func__, Requires::Connection,
+    return Dispatch(hCal, __func__, {}, Requires::Connection,
                     [&](Device &device) { return device.dsd.BlockChecksums(pu16Checksums, pu32BlockCount); });
 }
 
 ApiStatus Q7_IsCalibrationValid(CalInterfaceHandle hCal, uint32_t *pu32Valid)
 {
-    return Dispatch(hCal, __func__, Requires::Connection, [&](Device &device) {
+    return Dispatch(hCal, __func__, {}, Requires::Connection, [&](Device &device) {
         *pu32Valid = device.dsd.CalibrationValid() ? 1 : 0;
         return Status::Ok();
     });
@@ -99,7 +100,7 @@ ApiStatus Q7_IsCalibrationValid(CalInterfaceHandle hCal, uint32_t *pu32Valid)
 ApiStatus Q7_GetCalibrationInfo(CalInterfaceHandle hCal, uint8_t *pu8CalFlag, uint8_t *pu8VendorID, uint8_t *pu8Date,
                                 uint8_t *pu8Time, uint8_t *pu8SwVersion)
 {
-    return Dispatch(hCal, __func__, Requires::Connection, [&](Device &device) {
+    return Dispatch(hCal, __func__, {}, Requires::Connection, [&](Device &device) {
         CalibrationRecord record{};
         Status status = device.dsd.Calibration(&record);
         if (status.ok()) {
@@ -115,12 +116,13 @@ ApiStatus Q7_GetCalibrationInfo(CalInterfaceHandle hCal, uint8_t *pu8CalFlag, ui
 
 ApiStatus Q7_GetMACAddress(CalInterfaceHandle hCal, uint8_t *pu8Mac)
 {
-    return Dispatch(hCal, __func__, Requires::Connection, [&](Device &device) { return device.dsd.MacAddress(pu8Mac); });
+    return Dispatch(hCal, __func__, {}, Requires::Connection,
+                    [&](Device &device) { return device.dsd.MacAddress(pu8Mac); });
 }
 
 ApiStatus Q7_GetNVMSize(CalInterfaceHandle hCal, uint32_t *pu32DsdSize)
 {
-    return Dispatch(hCal, __func__, Requires::Connection, [&](Device &) {
+    return Dispatch(hCal, __func__, {}, Requires::Connection, [&](Device &) {
         *pu32DsdSize = q7sim::kDsdSize;
         return Status::Ok();
     });
@@ -129,7 +131,7 @@ ApiStatus Q7_GetNVMSize(CalInterfaceHandle hCal, uint32_t *pu32DsdSize)
 ApiStatus Q7_GetDSDInfo(CalInterfaceHandle hCal, uint32_t *pu32NvmType, uint32_t *pu32DsdSize,
                         uint32_t *pu32FlashMapType)
 {
-    return Dispatch(hCal, __func__, Requires::Connection, [&](Device &device) {
+    return Dispatch(hCal, __func__, {}, Requires::Connection, [&](Device &device) {
         *pu32NvmType = device.dsd.nvm.nvmType();
         *pu32DsdSize = q7sim::kDsdSize;
         *pu32FlashMapType = device.dsd.nvm.flashMapType();
@@ -139,7 +141,7 @@ ApiStatus Q7_GetDSDInfo(CalInterfaceHandle hCal, uint32_t *pu32NvmType, uint32_t
 
 ApiStatus Q7_GetFlashDSDInfo(CalInterfaceHandle hCal, FlashDSDInfo *pInfo)
 {
-    return Dispatch(hCal, __func__, Requires::Connection, [&](Device &device) {
+    return Dispatch(hCal, __func__, {}, Requires::Connection, [&](Device &device) {
         for (uint32_t section = 0; section < q7sim::Nvm::kSectionCount; section++)
             pInfo->au32SectionBitmap[section] = device.dsd.nvm.Bitmap(section);
         return Status::Ok();
@@ -148,27 +150,28 @@ ApiStatus Q7_GetFlashDSDInfo(CalInterfaceHandle hCal, FlashDSDInfo *pInfo)
 
 ApiStatus Q7_SelectActiveDSDSection(CalInterfaceHandle hCal, uint32_t u32Section)
 {
-    return Dispatch(hCal, __func__, Requires::Connection,
+    return Dispatch(hCal, __func__, {u32Section}, Requires::Connection,
                     [&](Device &device) { return device.dsd.nvm.SelectActive(u32Section); });
 }
 
 ApiStatus Q7_SelectCurrentDSDSection(CalInterfaceHandle hCal, uint32_t u32Section)
 {
-    return Dispatch(hCal, __func__, Requires::Connection,
+    return Dispatch(hCal, __func__, {u32Section}, Requires::Connection,
                     [&](Device &device) { return device.dsd.nvm.SelectCurrent(u32Section); });
 }
 
 ApiStatus Q7_CopyDSDSection(CalInterfaceHandle hCal, uint32_t u32SourceSection, uint32_t u32TargetSection,
                             uint32_t u32ByteCount, uint32_t u32Offset)
 {
-    return Dispatch(hCal, __func__, Requires::Connection, [&](Device &device) {
+    return Dispatch(hCal, __func__, {u32SourceSection, u32TargetSection, u32ByteCount, u32Offset},
+                    Requires::Connection, [&](Device &device) {
         return device.dsd.nvm.Copy(u32SourceSection, u32TargetSection, u32ByteCount, u32Offset);
     });
 }
 
 ApiStatus Q7_InitializeFlash(CalInterfaceHandle hCal, uint32_t u32DesiredSectorSize, uint32_t *pu32ActualSectorSize)
 {
-    return Dispatch(hCal, __func__, Requires::Connection, [&](Device &device) {
+    return Dispatch(hCal, __func__, {u32DesiredSectorSize}, Requires::Connection, [&](Device &device) {
         return device.dsd.nvm.InitializeFlash(u32DesiredSectorSize, pu32ActualSectorSize);
     });
 }
@@ -176,7 +179,7 @@ ApiStatus Q7_InitializeFlash(CalInterfaceHandle hCal, uint32_t u32DesiredSectorS
 ApiStatus Q7_ReadDSDBytes(CalInterfaceHandle hCal, uint8_t *pu8Dest, uint32_t u32ByteCount, uint32_t u32Address)
 {
     const char *operation = __func__;  // __func__ inside a lambda names the lambda
-    return Dispatch(hCal, operation, Requires::Connection, [&](Device &device) {
+    return Dispatch(hCal, operation, {u32ByteCount, u32Address}, Requires::Connection, [&](Device &device) {
         uint32_t returned = u32ByteCount;  // a byte read does not say how much it read
         return FaultedRead(operation, pu8Dest, u32ByteCount, &returned, [&] {
             return device.dsd.Read(device.DsdTarget(), pu8Dest, u32ByteCount, u32Address);
@@ -186,7 +189,7 @@ ApiStatus Q7_ReadDSDBytes(CalInterfaceHandle hCal, uint8_t *pu8Dest, uint32_t u3
 
 ApiStatus Q7_GetDSDRegionSizeByID(CalInterfaceHandle hCal, int32_t i32RegionID, uint32_t *pu32Size)
 {
-    return Dispatch(hCal, __func__, Requires::Connection, [&](Device &device) {
+    return Dispatch(hCal, __func__, {i32RegionID}, Requires::Connection, [&](Device &device) {
         Status status = device.dsd.RegionSize(device.DsdTarget(), i32RegionID, pu32Size);
         if (status.ok())
             *pu32Size = q7sim::Reported("Q7_GetDSDRegionSizeByID", 0, *pu32Size);
@@ -198,7 +201,7 @@ ApiStatus Q7_ReadDSDRegionByID(CalInterfaceHandle hCal, int32_t i32RegionID, uin
                                uint8_t *pu8Dest, uint32_t *pu32Returned)
 {
     const char *operation = __func__;  // __func__ inside a lambda names the lambda
-    return Dispatch(hCal, operation, Requires::Connection, [&](Device &device) {
+    return Dispatch(hCal, operation, {i32RegionID, u32BufferSize}, Requires::Connection, [&](Device &device) {
         return FaultedRead(operation, pu8Dest, u32BufferSize, pu32Returned, [&] {
             return device.dsd.ReadRegion(device.DsdTarget(), i32RegionID, u32BufferSize, pu8Dest, pu32Returned);
         });
@@ -209,7 +212,7 @@ uint32_t Q7_RequestDSDWriteKey(CalInterfaceHandle hCal)
 {
     // A refused request answers key 0.
     uint32_t key = 0;
-    Dispatch(hCal, __func__, Requires::Connection, [&](Device &device) {
+    Dispatch(hCal, __func__, {}, Requires::Connection, [&](Device &device) {
         std::optional<DataFault> fault = Faults().TakeDataFault("Q7_RequestDSDWriteKey");
         key = fault && fault->kind == DataFault::Kind::ForgeKey ? 0xF0F0F0F0u : device.keys.Issue(device.nowUs());
         return Status::Ok();
@@ -221,7 +224,7 @@ ApiStatus Q7_WriteDSDBytes(CalInterfaceHandle hCal, uint32_t u32Key, const uint8
                            uint32_t u32Address, uint32_t *pu32Written)
 {
     const char *operation = __func__;  // __func__ inside a lambda names the lambda
-    return Dispatch(hCal, operation, Requires::Connection, [&](Device &device) {
+    return Dispatch(hCal, operation, {u32Key, u32ByteCount, u32Address}, Requires::Connection, [&](Device &device) {
         DsdArea area = device.DsdTarget();
         return KeyedWrite(device, operation, u32Key, area, pu32Written, [&](uint32_t *written) {
             return device.dsd.Write(area, pu8Source, u32ByteCount, u32Address, written);
@@ -235,7 +238,8 @@ ApiStatus Q7_WriteFlash2xBytesWithHeader(CalInterfaceHandle hCal, uint32_t u32Ke
                                          uint32_t u32WriteMode, uint32_t *pu32Written)
 {
     const char *operation = __func__;  // __func__ inside a lambda names the lambda
-    return Dispatch(hCal, operation, Requires::Connection, [&](Device &device) {
+    return Dispatch(hCal, operation, {u32Key, u32Size, u32FlashOffset, u32HeaderWords, u32WriteMode},
+                    Requires::Connection, [&](Device &device) {
         uint32_t nvmMode = device.options.nvmMode();
         if (nvmMode != Dsd::kNvmModeDirect)
             return Status::Errorf("Flash 2.x image writes need NVM mode 0: NVM mode %u addresses the DSD buffer",
@@ -252,7 +256,7 @@ ApiStatus Q7_WriteDSDRegionByID(CalInterfaceHandle hCal, uint32_t u32Key, int32_
                                 const uint8_t *pu8Source, uint32_t *pu32Written)
 {
     const char *operation = __func__;  // __func__ inside a lambda names the lambda
-    return Dispatch(hCal, operation, Requires::Connection, [&](Device &device) {
+    return Dispatch(hCal, operation, {u32Key, i32RegionID, u32ByteCount}, Requires::Connection, [&](Device &device) {
         DsdArea area = device.DsdTarget();
         return KeyedWrite(device, operation, u32Key, area, pu32Written, [&](uint32_t *written) {
             return device.dsd.WriteRegion(area, i32RegionID, u32ByteCount, pu8Source, written);

@@ -16,7 +16,7 @@ const OptionInfo *Q7_GetOptionInfo(uint32_t u32Index)
 
 ApiStatus Q7_GetOptionByID(CalInterfaceHandle hCal, uint32_t u32OptionID, int32_t *pi32Value)
 {
-    return Dispatch(hCal, __func__, Requires::Connection, [&](Device &device) {
+    return Dispatch(hCal, __func__, {u32OptionID}, Requires::Connection, [&](Device &device) {
         q7sim::Status status = device.options.Get(u32OptionID, pi32Value);
         if (status.ok())
             *pi32Value = q7sim::Reported("Q7_GetOptionByID", 0, *pi32Value);
@@ -26,7 +26,7 @@ ApiStatus Q7_GetOptionByID(CalInterfaceHandle hCal, uint32_t u32OptionID, int32_
 
 ApiStatus Q7_SetOptionByID(CalInterfaceHandle hCal, uint32_t u32OptionID, uint32_t u32Value)
 {
-    return Dispatch(hCal, __func__, Requires::Connection,
+    return Dispatch(hCal, __func__, {u32OptionID, u32Value}, Requires::Connection,
                     [&](Device &device) { return device.options.Set(u32OptionID, u32Value); });
 }
 

@@ -12,9 +12,9 @@ namespace {
 // Dispatches a receiver operation after bringing the receiver up to the
 // device's time and band configuration.
 template <class Op>
-ApiStatus RxDispatch(CalInterfaceHandle hCal, const char *name, Op &&op)
+ApiStatus RxDispatch(CalInterfaceHandle hCal, const char *name, q7sim::CallArguments arguments, Op &&op)
 {
-    return q7sim::Dispatch(hCal, name, q7sim::Requires::Connection, [&](Device &device) {
+    return q7sim::Dispatch(hCal, name, arguments, q7sim::Requires::Connection, [&](Device &device) {
         device.rx.Update(device.modes.band(), device.nowUs());
         return op(device.rx);
     });
@@ -26,7 +26,7 @@ extern "C" {
 
 ApiStatus Q7_GetRxAntConfig(CalInterfaceHandle hCal, uint32_t *pu32RxAntConfig)
 {
-    return RxDispatch(hCal, __func__, [&](Receiver &rx) {
+    return RxDispatch(hCal, __func__, {}, [&](Receiver &rx) {
         *pu32RxAntConfig = rx.antConfig();
         return Status::Ok();
     });
@@ -34,13 +34,13 @@ ApiStatus Q7_GetRxAntConfig(CalInterfaceHandle hCal, uint32_t *pu32RxAntConfig)
 
 ApiStatus Q7_SetRxAntConfig(CalInterfaceHandle hCal, uint32_t u32RxAntConfig)
 {
-    return RxDispatch(hCal, __func__, [&](Receiver &rx) { return rx.SetAntConfig(u32RxAntConfig); });
+    return RxDispatch(hCal, __func__, {u32RxAntConfig}, [&](Receiver &rx) { return rx.SetAntConfig(u32RxAntConfig); });
 }
 
 ApiStatus Q7_IsSync(CalInterfaceHandle hCal, double *pdFreqOffsetPpm, uint32_t *pu32SyncFreqKHz,
                     uint32_t *pu32SyncStatus)
 {
-    return RxDispatch(hCal, __func__, [&](Receiver &rx) {
+    return RxDispatch(hCal, __func__, {}, [&](Receiver &rx) {
         q7sim::SyncReport sync = rx.Sync();
         *pdFreqOffsetPpm = sync.freqOffsetPpm;
         *pu32SyncFreqKHz = sync.syncFreqKHz;
@@ -51,7 +51,7 @@ ApiStatus Q7_IsSync(CalInterfaceHandle hCal, double *pdFreqOffsetPpm, uint32_t *
 
 ApiStatus Q7_ForceReSync(CalInterfaceHandle hCal)
 {
-    return RxDispatch(hCal, __func__, [](Receiver &rx) {
+    return RxDispatch(hCal, __func__, {}, [](Receiver &rx) {
         rx.ForceReSync();
         return Status::Ok();
     });
@@ -59,13 +59,14 @@ ApiStatus Q7_ForceReSync(CalInterfaceHandle hCal)
 
 ApiStatus Q7_SetAGCMode(CalInterfaceHandle hCal, uint32_t u32AgcMode, uint32_t u32AgcBackoffDb)
 {
-    return RxDispatch(hCal, __func__, [&](Receiver &rx) { return rx.SetAgcMode(u32AgcMode, u32AgcBackoffDb); });
+    return RxDispatch(hCal, __func__, {u32AgcMode, u32AgcBackoffDb},
+                      [&](Receiver &rx) { return rx.SetAgcMode(u32AgcMode, u32AgcBackoffDb); });
 }
 
 ApiStatus Q7_GetRxGainState(CalInterfaceHandle hCal, uint32_t u32RxPath, uint32_t *pu32ExtLna,
                             uint32_t *pu32FrontEndGainState, int32_t *pi32PgaGainIndex, double *pdTotalGain)
 {
-    return RxDispatch(hCal, __func__, [&](Receiver &rx) {
+    return RxDispatch(hCal, __func__, {u32RxPath}, [&](Receiver &rx) {
         RxGainState state;
         double totalGainDb = 0.0;
         Status status = rx.GetGainState(u32RxPath, state, totalGainDb);
@@ -82,7 +83,7 @@ ApiStatus Q7_GetRxGainState(CalInterfaceHandle hCal, uint32_t u32RxPath, uint32_
 ApiStatus Q7_SetRxGainState(CalInterfaceHandle hCal, uint32_t u32RxPath, uint32_t u32ExtLna,
                             uint32_t u32FrontEndGainState, int32_t i32PgaGainIndex)
 {
-    return RxDispatch(hCal, __func__, [&](Receiver &rx) {
+    return RxDispatch(hCal, __func__, {u32RxPath, u32ExtLna, u32FrontEndGainState, i32PgaGainIndex}, [&](Receiver &rx) {
         return rx.SetGainState(u32RxPath, RxGainState{u32ExtLna, u32FrontEndGainState, i32PgaGainIndex});
     });
 }
@@ -91,7 +92,7 @@ ApiStatus Q7_GetRSSIReport(CalInterfaceHandle hCal, double *pdRx1RssiDbm, double
                            double *pdCombinedRssiDbm, double *pdRx1AdcPowerDbm, double *pdRx2AdcPowerDbm,
                            uint32_t *pu32Rx1ClipCount, uint32_t *pu32Rx2ClipCount, uint32_t *pu32AdcSamples)
 {
-    return RxDispatch(hCal, __func__, [&](Receiver &rx) {
+    return RxDispatch(hCal, __func__, {}, [&](Receiver &rx) {
         q7sim::RssiReport report = rx.Rssi();
         *pdRx1RssiDbm = report.rssiDbm[0];
         *pdRx2RssiDbm = report.rssiDbm[1];
@@ -107,7 +108,7 @@ ApiStatus Q7_GetRSSIReport(CalInterfaceHandle hCal, double *pdRx1RssiDbm, double
 
 ApiStatus Q7_GetCINR(CalInterfaceHandle hCal, double *pdCombinedCinrDb, double *pdAnt1CinrDb, double *pdAnt2CinrDb)
 {
-    return RxDispatch(hCal, __func__, [&](Receiver &rx) {
+    return RxDispatch(hCal, __func__, {}, [&](Receiver &rx) {
         q7sim::CinrReport report = rx.Cinr();
         *pdCombinedCinrDb = report.combinedDb;
         *pdAnt1CinrDb = report.antennaDb[0];
@@ -118,7 +119,7 @@ ApiStatus Q7_GetCINR(CalInterfaceHandle hCal, double *pdCombinedCinrDb, double *
 
 ApiStatus Q7_GetPerAntThermalNoise(CalInterfaceHandle hCal, double *pdAnt1NoiseDbm, double *pdAnt2NoiseDbm)
 {
-    return RxDispatch(hCal, __func__, [&](Receiver &rx) {
+    return RxDispatch(hCal, __func__, {}, [&](Receiver &rx) {
         std::array<double, 2> noise = rx.ThermalNoiseDbm();
         *pdAnt1NoiseDbm = noise[0];
         *pdAnt2NoiseDbm = noise[1];
@@ -128,7 +129,7 @@ ApiStatus Q7_GetPerAntThermalNoise(CalInterfaceHandle hCal, double *pdAnt1NoiseD
 
 ApiStatus Q7_ResetFrameErrorStatistics(CalInterfaceHandle hCal)
 {
-    return RxDispatch(hCal, __func__, [](Receiver &rx) {
+    return RxDispatch(hCal, __func__, {}, [](Receiver &rx) {
         rx.ResetFrameStatistics();
         return Status::Ok();
     });
@@ -137,7 +138,7 @@ ApiStatus Q7_ResetFrameErrorStatistics(CalInterfaceHandle hCal)
 ApiStatus Q7_GetFrameErrorStatistics(CalInterfaceHandle hCal, uint32_t *pu32TotalFrames,
                                      uint32_t *pu32FramesInError)
 {
-    return RxDispatch(hCal, __func__, [&](Receiver &rx) {
+    return RxDispatch(hCal, __func__, {}, [&](Receiver &rx) {
         q7sim::FrameStatistics statistics = rx.frameStatistics();
         *pu32TotalFrames = statistics.totalFrames;
         *pu32FramesInError = statistics.framesInError;

@@ -10,9 +10,10 @@ using q7sim::TxAttn;
 namespace {
 
 template <class Op>
-ApiStatus TxDispatch(CalInterfaceHandle hCal, const char *name, Op &&op)
+ApiStatus TxDispatch(CalInterfaceHandle hCal, const char *name, q7sim::CallArguments arguments, Op &&op)
 {
-    return q7sim::Dispatch(hCal, name, q7sim::Requires::Connection, [&](Device &device) { return op(device.tx); });
+    return q7sim::Dispatch(hCal, name, arguments, q7sim::Requires::Connection,
+                           [&](Device &device) { return op(device.tx); });
 }
 
 }  // namespace
@@ -23,7 +24,7 @@ ApiStatus Q7_GetTxAttn(CalInterfaceHandle hCal, uint32_t u32TxSelector, double *
                        uint32_t *pu32MixerThermIndex, uint32_t *pu32MixerBinaryIndex,
                        uint32_t *pu32PaDriverThermIndex, uint32_t *pu32PaDriverAttnIndex, uint32_t *pu32ExtAttn)
 {
-    return TxDispatch(hCal, __func__, [&](Transmitters &tx) {
+    return TxDispatch(hCal, __func__, {u32TxSelector}, [&](Transmitters &tx) {
         TxAttn attn;
         Status status = tx.GetAttn(u32TxSelector, attn);
         if (status.ok()) {
@@ -42,7 +43,10 @@ ApiStatus Q7_SetTxAttn(CalInterfaceHandle hCal, uint32_t u32TxSelector, double d
                        uint32_t u32MixerThermIndex, uint32_t u32MixerBinaryIndex, uint32_t u32PaDriverThermIndex,
                        uint32_t u32PaDriverAttnIndex, uint32_t u32ExtAttn)
 {
-    return TxDispatch(hCal, __func__, [&](Transmitters &tx) {
+    return TxDispatch(hCal, __func__,
+                      {u32TxSelector, dBasebandAttnDb, u32MixerThermIndex, u32MixerBinaryIndex, u32PaDriverThermIndex,
+                       u32PaDriverAttnIndex, u32ExtAttn},
+                      [&](Transmitters &tx) {
         return tx.SetAttn(u32TxSelector, TxAttn{dBasebandAttnDb, u32MixerThermIndex, u32MixerBinaryIndex,
                                                 u32PaDriverThermIndex, u32PaDriverAttnIndex, u32ExtAttn});
     });
@@ -50,7 +54,7 @@ ApiStatus Q7_SetTxAttn(CalInterfaceHandle hCal, uint32_t u32TxSelector, double d
 
 ApiStatus Q7_GetTxOutputPower(CalInterfaceHandle hCal, double *pdPowerDbm)
 {
-    return TxDispatch(hCal, __func__, [&](Transmitters &tx) {
+    return TxDispatch(hCal, __func__, {}, [&](Transmitters &tx) {
         *pdPowerDbm = q7sim::Reported("Q7_GetTxOutputPower", 0, tx.outputPowerDbm());
         return Status::Ok();
     });
@@ -58,12 +62,12 @@ ApiStatus Q7_GetTxOutputPower(CalInterfaceHandle hCal, double *pdPowerDbm)
 
 ApiStatus Q7_SetTxOutputPower(CalInterfaceHandle hCal, double dPowerDbm)
 {
-    return TxDispatch(hCal, __func__, [&](Transmitters &tx) { return tx.SetOutputPower(dPowerDbm); });
+    return TxDispatch(hCal, __func__, {dPowerDbm}, [&](Transmitters &tx) { return tx.SetOutputPower(dPowerDbm); });
 }
 
 ApiStatus Q7_GetTxDiversitySwitch(CalInterfaceHandle hCal, uint32_t *pu32Switch)
 {
-    return TxDispatch(hCal, __func__, [&](Transmitters &tx) {
+    return TxDispatch(hCal, __func__, {}, [&](Transmitters &tx) {
         *pu32Switch = q7sim::Reported("Q7_GetTxDiversitySwitch", 0, tx.diversitySwitch());
         return Status::Ok();
     });
@@ -71,12 +75,12 @@ ApiStatus Q7_GetTxDiversitySwitch(CalInterfaceHandle hCal, uint32_t *pu32Switch)
 
 ApiStatus Q7_SetTxDiversitySwitch(CalInterfaceHandle hCal, uint32_t u32Switch)
 {
-    return TxDispatch(hCal, __func__, [&](Transmitters &tx) { return tx.SetDiversitySwitch(u32Switch); });
+    return TxDispatch(hCal, __func__, {u32Switch}, [&](Transmitters &tx) { return tx.SetDiversitySwitch(u32Switch); });
 }
 
 ApiStatus Q7_GetActiveTX(CalInterfaceHandle hCal, uint32_t *pu32ActiveTx)
 {
-    return TxDispatch(hCal, __func__, [&](Transmitters &tx) {
+    return TxDispatch(hCal, __func__, {}, [&](Transmitters &tx) {
         *pu32ActiveTx = tx.activeTx();
         return Status::Ok();
     });
@@ -84,12 +88,12 @@ ApiStatus Q7_GetActiveTX(CalInterfaceHandle hCal, uint32_t *pu32ActiveTx)
 
 ApiStatus Q7_SetActiveTX(CalInterfaceHandle hCal, uint32_t u32ActiveTx)
 {
-    return TxDispatch(hCal, __func__, [&](Transmitters &tx) { return tx.SetActiveTx(u32ActiveTx); });
+    return TxDispatch(hCal, __func__, {u32ActiveTx}, [&](Transmitters &tx) { return tx.SetActiveTx(u32ActiveTx); });
 }
 
 ApiStatus Q7_GetTxBackoff(CalInterfaceHandle hCal, double *pdBackoff)
 {
-    return TxDispatch(hCal, __func__, [&](Transmitters &tx) {
+    return TxDispatch(hCal, __func__, {}, [&](Transmitters &tx) {
         *pdBackoff = tx.backoff();
         return Status::Ok();
     });
@@ -97,22 +101,24 @@ ApiStatus Q7_GetTxBackoff(CalInterfaceHandle hCal, double *pdBackoff)
 
 ApiStatus Q7_SetTxBackoff(CalInterfaceHandle hCal, double dBackoff)
 {
-    return TxDispatch(hCal, __func__, [&](Transmitters &tx) { return tx.SetBackoff(dBackoff); });
+    return TxDispatch(hCal, __func__, {dBackoff}, [&](Transmitters &tx) { return tx.SetBackoff(dBackoff); });
 }
 
 ApiStatus Q7_GetTxGCWord(CalInterfaceHandle hCal, uint32_t u32TxSelector, double *pdGcWord)
 {
-    return TxDispatch(hCal, __func__, [&](Transmitters &tx) { return tx.GetGcWord(u32TxSelector, *pdGcWord); });
+    return TxDispatch(hCal, __func__, {u32TxSelector},
+                      [&](Transmitters &tx) { return tx.GetGcWord(u32TxSelector, *pdGcWord); });
 }
 
 ApiStatus Q7_SetTxGCWord(CalInterfaceHandle hCal, uint32_t u32TxSelector, double dGcWord)
 {
-    return TxDispatch(hCal, __func__, [&](Transmitters &tx) { return tx.SetGcWord(u32TxSelector, dGcWord); });
+    return TxDispatch(hCal, __func__, {u32TxSelector, dGcWord},
+                      [&](Transmitters &tx) { return tx.SetGcWord(u32TxSelector, dGcWord); });
 }
 
 ApiStatus Q7_GetTxPhiWord(CalInterfaceHandle hCal, uint32_t *pu32PhiWord)
 {
-    return TxDispatch(hCal, __func__, [&](Transmitters &tx) {
+    return TxDispatch(hCal, __func__, {}, [&](Transmitters &tx) {
         *pu32PhiWord = tx.phiWord();
         return Status::Ok();
     });
@@ -120,12 +126,12 @@ ApiStatus Q7_GetTxPhiWord(CalInterfaceHandle hCal, uint32_t *pu32PhiWord)
 
 ApiStatus Q7_SetTxPhiWord(CalInterfaceHandle hCal, uint32_t u32PhiWord)
 {
-    return TxDispatch(hCal, __func__, [&](Transmitters &tx) { return tx.SetPhiWord(u32PhiWord); });
+    return TxDispatch(hCal, __func__, {u32PhiWord}, [&](Transmitters &tx) { return tx.SetPhiWord(u32PhiWord); });
 }
 
 ApiStatus Q7_GetFeedbackCalAttn(CalInterfaceHandle hCal, uint32_t *pu32Attn)
 {
-    return TxDispatch(hCal, __func__, [&](Transmitters &tx) {
+    return TxDispatch(hCal, __func__, {}, [&](Transmitters &tx) {
         *pu32Attn = tx.feedbackCalAttn();
         return Status::Ok();
     });
@@ -133,17 +139,17 @@ ApiStatus Q7_GetFeedbackCalAttn(CalInterfaceHandle hCal, uint32_t *pu32Attn)
 
 ApiStatus Q7_SetFeedbackCalAttn(CalInterfaceHandle hCal, uint32_t u32Attn)
 {
-    return TxDispatch(hCal, __func__, [&](Transmitters &tx) { return tx.SetFeedbackCalAttn(u32Attn); });
+    return TxDispatch(hCal, __func__, {u32Attn}, [&](Transmitters &tx) { return tx.SetFeedbackCalAttn(u32Attn); });
 }
 
 ApiStatus Q7_SetLFLControllerState(CalInterfaceHandle hCal, int32_t i32State)
 {
-    return TxDispatch(hCal, __func__, [&](Transmitters &tx) { return tx.SetLflControllerState(i32State); });
+    return TxDispatch(hCal, __func__, {i32State}, [&](Transmitters &tx) { return tx.SetLflControllerState(i32State); });
 }
 
 ApiStatus Q7_GetRFAsymmetry(CalInterfaceHandle hCal, int32_t *pi32AsymmetryKHz)
 {
-    return TxDispatch(hCal, __func__, [&](Transmitters &tx) {
+    return TxDispatch(hCal, __func__, {}, [&](Transmitters &tx) {
         *pi32AsymmetryKHz = tx.rfAsymmetryKHz();
         return Status::Ok();
     });
@@ -151,12 +157,13 @@ ApiStatus Q7_GetRFAsymmetry(CalInterfaceHandle hCal, int32_t *pi32AsymmetryKHz)
 
 ApiStatus Q7_SetRFAsymmetry(CalInterfaceHandle hCal, int32_t i32AsymmetryKHz)
 {
-    return TxDispatch(hCal, __func__, [&](Transmitters &tx) { return tx.SetRfAsymmetry(i32AsymmetryKHz); });
+    return TxDispatch(hCal, __func__, {i32AsymmetryKHz},
+                      [&](Transmitters &tx) { return tx.SetRfAsymmetry(i32AsymmetryKHz); });
 }
 
 ApiStatus Q7_SetTxDecoderMode(CalInterfaceHandle hCal, uint32_t u32TxSelector, uint32_t u32DecoderMode)
 {
-    return TxDispatch(hCal, __func__,
+    return TxDispatch(hCal, __func__, {u32TxSelector, u32DecoderMode},
                       [&](Transmitters &tx) { return tx.SetDecoderMode(u32TxSelector, u32DecoderMode); });
 }
 

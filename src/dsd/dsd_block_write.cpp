@@ -65,13 +65,13 @@ static int WriteBlock(const DsdRange *pRange, const DsdAreas *pAreas)
     uint32_t u32Written = 0;
     uint32_t u32Returned = 0;
     uint32_t u32Errors = 0;
+    bool bKeyRequested = false;
 
-    if (!ReadWriteKey(pRange->hCal, &u32Key) || !ReadUnsigned(&u32Restore, RESTORE_PROMPT))
+    if (!ReadWriteKey(pRange->hCal, &u32Key, &bKeyRequested))
         return -1;
-    if (u32Restore != 0 && !ReadOriginal(pRange, pAreas, &u32Returned))
-        return -1;
-    if (!FillDataPattern(&gs_stWordElement, pAreas->pu8Write, pRange->u32Size / 4u))
-        return -1;
+    if (!ReadUnsigned(&u32Restore, RESTORE_PROMPT) || (u32Restore != 0 && !ReadOriginal(pRange, pAreas, &u32Returned)) ||
+        !FillDataPattern(&gs_stWordElement, pAreas->pu8Write, pRange->u32Size / 4u))
+        return EndBeforeTheWrite(bKeyRequested);
 
     if (ReportWriteError(WriteRange(pRange, u32Key, pAreas->pu8Write, pRange->u32Size, &u32Written)))
         return u32Restore != 0

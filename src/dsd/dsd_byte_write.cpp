@@ -108,16 +108,19 @@ static int WriteBytes(const DsdRange *pRange, const DsdAreas *pAreas, const Byte
     uint32_t u32Returned = 0;
     uint32_t u32Errors = 0;
     ApiStatus status = NULL;
+    bool bKeyRequested = false;
 
-    if (!ReadWriteKey(pRange->hCal, &u32Key) || !ReadUnsigned(&u32Restore, RESTORE_PROMPT))
+    if (!ReadWriteKey(pRange->hCal, &u32Key, &bKeyRequested))
         return -1;
+    if (!ReadUnsigned(&u32Restore, RESTORE_PROMPT))
+        return EndBeforeTheWrite(bKeyRequested);
     if (u32Restore != 0 || pWrite->bFlash2x) {
         if (!ReadOriginal(pRange, pAreas, &u32Returned))
-            return -1;
+            return EndBeforeTheWrite(bKeyRequested);
         printf("\nRead %d bytes from dev data memory\n", (int)pRange->u32Size);
     }
     if (!FillDataPattern(&gs_stByteElement, pAreas->pu8Write, pWrite->u32Size))
-        return -1;
+        return EndBeforeTheWrite(bKeyRequested);
 
     if (pWrite->bFlash2x)
         status = Q7_WriteFlash2xBytesWithHeader(pRange->hCal, u32Key, pAreas->pu8Write, pWrite->u32Size,

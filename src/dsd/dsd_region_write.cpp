@@ -69,7 +69,7 @@ static uint32_t CompareRegion(const DsdRange *pRange, const DsdAreas *pAreas, ui
 /* Original contents, the count to write, the random data (region 4 keeps its
  * first bytes), write, verification, and then the restore question, whose
  * restore is made whatever the verification found. */
-static int WriteRegion(const DsdRange *pRange, const DsdAreas *pAreas, uint32_t u32Key)
+static int WriteRegion(const DsdRange *pRange, const DsdAreas *pAreas, uint32_t u32Key, bool bKeyRequested)
 {
     uint32_t u32ToWrite = 0;
     uint32_t u32Kept = 0;
@@ -80,10 +80,10 @@ static int WriteRegion(const DsdRange *pRange, const DsdAreas *pAreas, uint32_t 
     uint32_t u32Errors = 0;
 
     if (!ReadOriginal(pRange, pAreas, &u32Returned))
-        return -1;
+        return EndBeforeTheWrite(bKeyRequested);
     printf("\nNumber of bytes returned by ReadDSDRegionByID = %u bytes\n", u32Returned);
     if (!ReadUnsigned(&u32ToWrite, "\nNumber of bytes to write (<= %d): ", (int)pRange->u32Size))
-        return -1;
+        return EndBeforeTheWrite(bKeyRequested);
     if (u32ToWrite > pRange->u32Size)
         u32ToWrite = pRange->u32Size;
     if (pRange->i32RegionID == CAL_REGION_ID) {
@@ -124,17 +124,19 @@ int TestWriteDSDRegionByID(CalInterfaceHandle hCal)
     DsdRange stRange = {hCal, true, 0, 0, 0};
     DsdAreas stAreas;
     uint32_t u32Key = 0;
+    bool bKeyRequested = false;
 
     if (!BeginCommand(hCal, "\nWriteDSDRegionSizeByID:"))
         return -1;
-    if (!ReadSigned(&stRange.i32RegionID, "Enter region ID (dec)             ? ") || !ReadWriteKey(hCal, &u32Key))
+    if (!ReadSigned(&stRange.i32RegionID, "Enter region ID (dec)             ? ") ||
+        !ReadWriteKey(hCal, &u32Key, &bKeyRequested))
         return -1;
     if (ReportError(Q7_GetDSDRegionSizeByID(hCal, stRange.i32RegionID, &stRange.u32Size)))
-        return -1;
+        return EndBeforeTheWrite(bKeyRequested);
     printf("\nDSD region size = %d bytes\n", (int)stRange.u32Size);
     if (!RegionSizeConfirmed(&stRange) || !AllocateAreas(&stAreas, stRange.u32Size))
-        return -1;
-    int iResult = WriteRegion(&stRange, &stAreas, u32Key);
+        return EndBeforeTheWrite(bKeyRequested);
+    int iResult = WriteRegion(&stRange, &stAreas, u32Key, bKeyRequested);
     ReleaseAreas(&stAreas);
     return iResult == 0 ? ReportSuccess("WriteDSDRegionByID") : -1;
 }

@@ -8,6 +8,7 @@
 #include "command_steps.h"
 #include "console.h"
 #include "data_utils.h"
+#include "printed_texts.h"
 
 #define ALLOCATION_FAILED_LINE "\nERROR: Data block memory allocation failed"
 
@@ -182,17 +183,26 @@ bool BeginWithNvmMode(CalInterfaceHandle hCal, const char *sHeading, int32_t *pi
     return BeginCommand(hCal, sHeading);
 }
 
-bool ReadWriteKey(CalInterfaceHandle hCal, uint32_t *pu32Key)
+bool ReadWriteKey(CalInterfaceHandle hCal, uint32_t *pu32Key, bool *pbRequested)
 {
     uint32_t u32Auto = 0;
 
+    *pbRequested = false;
     if (!ReadUnsigned(&u32Auto, "\n    Auto DSD key (1=yes/0=no) ? "))
         return false;
     if (u32Auto == 1) {
         *pu32Key = Q7_RequestDSDWriteKey(hCal);
+        *pbRequested = true;
         return true;
     }
     return ReadHex(pu32Key, "    DSD Key (hex)     ? ");
+}
+
+int EndBeforeTheWrite(bool bKeyRequested)
+{
+    if (bKeyRequested)
+        PrintDeviceNotice(TEXT_KEY_REPLACED "\n");
+    return -1;
 }
 
 static uint32_t RandomByte(void) { return (uint32_t)rand(); }

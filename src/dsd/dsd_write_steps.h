@@ -116,8 +116,15 @@ int LookAfterFailedWrite(const DsdRange *pRange, const DsdAreas *pAreas, bool bR
 bool BeginWithNvmMode(CalInterfaceHandle hCal, const char *sHeading, int32_t *pi32NvmMode);
 
 /* The key of the data write: from the device for an answer of exactly 1 (a
- * refused request gives 0, which the write then refuses), else typed. */
-bool ReadWriteKey(CalInterfaceHandle hCal, uint32_t *pu32Key);
+ * refused request gives 0, which the write then refuses), else typed.
+ * *pbRequested says whether the device was asked, which replaces the key it
+ * held before. */
+bool ReadWriteKey(CalInterfaceHandle hCal, uint32_t *pu32Key, bool *pbRequested);
+
+/* A write that ends before it has used the key it requested (an answer
+ * abandoned, a read that failed) says so: the key the engineer may hold from
+ * an earlier request is no longer the device's. Returns -1. */
+int EndBeforeTheWrite(bool bKeyRequested);
 
 /* A data pattern fills 32-bit words (block write) or bytes (byte writes). */
 typedef struct PatternElement {

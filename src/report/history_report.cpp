@@ -331,7 +331,7 @@ std::string HistoryText(const History &history, const HistoryFilter &filter)
     std::snprintf(line, sizeof line, "  Final yield       %s (latest run passed: %lld of %lld)\n",
                   Percent(total.finallyPassed, total.units).c_str(), total.finallyPassed, total.units);
     text += line;
-    std::snprintf(line, sizeof line, "  Marginal passes   %lld runs\n", total.marginal);
+    std::snprintf(line, sizeof line, "  Marginal passes   %lld of %lld runs\n", total.marginal, total.runs);
     text += line;
     text += "\nFailures by check, the most first:\n";
     std::snprintf(line, sizeof line, "  %8s  %s\n", "Failures", "Check");

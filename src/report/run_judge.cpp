@@ -230,8 +230,8 @@ void RunJudge::Read(const ClassifiedLine &line)
     }
     if (line.kind == ClassifiedLine::kHeading && IsShownText(Trim(line.text)))
         command_ = line.label;
-    if (line.kind == ClassifiedLine::kValue && line.result.values.size() == 1)
-        lengths_[line.label] = line.result.values[0];
+    if (line.kind == ClassifiedLine::kValue)
+        lengths_[line.label] = line.result.values.front();
     if (line.kind == ClassifiedLine::kText && StartsWith(Trim(line.text), TEXT_ERRORS_EXPECTED))
         errorsExpected_ = true;
 

@@ -20,6 +20,8 @@
 #define TEXT_WARNING "WARNING:"
 #define TEXT_VERIFY_ERRORS " verify errors."
 #define TEXT_NVM_MODE_QUESTION "Enter interface type"
+/* A write that ends before using the key it requested. */
+#define TEXT_KEY_REPLACED "The write key requested for this command has replaced the key the device held before; it was not used."
 
 /* ---- The automated run ---- */
 #define TEXT_PUSH_FORMAT "Push[%2d] - set device mode: mode = %u modulation = %u CW Offset=%u LoopbackTX=%u \n"

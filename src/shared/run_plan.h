@@ -113,76 +113,107 @@ struct RunItem {
     const char *command;     /* the command heading it is printed under; null: the section */
     const char *name;        /* values, lists, states: the label as printed */
     const char *quantity;    /* values, lists, tails: whose limits judge it; null: none */
-    size_t count;            /* values on the line; a list's entries (0: from `lengthLabel`) */
+    size_t count;            /* values on the line; a list's entries, unless `lengthLabel` gives them */
     const char *lengthLabel; /* lists: the line before them that gives their length */
     const char *expected;    /* states: what a healthy unit shows; refusals: the pin; tails: the list */
 };
 
+/* The items by kind, each with what its kind needs. */
+constexpr RunItem Verdict(const char *section, const char *name)
+{
+    return {kRunVerdict, section, nullptr, name, nullptr, {}, nullptr, nullptr};
+}
+/* `count` values on one line, judged by `quantity`'s limits. */
+constexpr RunItem Value(const char *section, const char *command, const char *label, const char *quantity, size_t count)
+{
+    return {kRunValue, section, command, label, quantity, count, nullptr, nullptr};
+}
+/* A list of `entries`, judged by `quantity`'s limits, or only counted without one. */
+constexpr RunItem List(const char *section, const char *command, const char *label, const char *quantity,
+                       size_t entries)
+{
+    return {kRunList, section, command, label, quantity, entries, nullptr, nullptr};
+}
+/* A list of as many entries as the line `lengthLabel` before it says. */
+constexpr RunItem CountedList(const char *section, const char *command, const char *label, const char *lengthLabel)
+{
+    return {kRunList, section, command, label, nullptr, {}, lengthLabel, nullptr};
+}
+/* A figure of the list `of`: its 10th percentile or its peak. */
+constexpr RunItem Statistic(RunItemKind kind, const char *section, const char *command, const char *name, const char *of)
+{
+    return {kind, section, command, name, name, 1, nullptr, of};
+}
+constexpr RunItem State(const char *section, const char *command, const char *label, const char *healthy)
+{
+    return {kRunState, section, command, label, nullptr, {}, nullptr, healthy};
+}
+constexpr RunItem Refusal(const char *section, const char *name, const char *pin)
+{
+    return {kRunRefusal, section, nullptr, name, nullptr, {}, nullptr, pin};
+}
 /* The checksum lines' block names, trimmed: a state each. */
-#define RUN_BLOCK_STATE(name) {kRunState, TEXT_DSD_MANAGEMENT_GROUP, nullptr, name " checksum", nullptr, 1, nullptr, TEXT_VALID}
+#define RUN_BLOCK_STATE(name) State(TEXT_DSD_MANAGEMENT_GROUP, nullptr, name " checksum", TEXT_VALID)
 
 inline constexpr RunItem kRunItems[] = {
-    {kRunVerdict, TEXT_BAND_SECTION, nullptr, "2500000 kHz, 10000 kHz", nullptr, 1, nullptr, nullptr},
-    {kRunVerdict, TEXT_BAND_SECTION, nullptr, "2533500 kHz, 5000 kHz", nullptr, 1, nullptr, nullptr},
-    {kRunVerdict, TEXT_BAND_SECTION, nullptr, "band restored", nullptr, 1, nullptr, nullptr},
+    Verdict(TEXT_BAND_SECTION, "2500000 kHz, 10000 kHz"),
+    Verdict(TEXT_BAND_SECTION, "2533500 kHz, 5000 kHz"),
+    Verdict(TEXT_BAND_SECTION, "band restored"),
 
-    {kRunValue, TEXT_RX_GROUP, "IsSync", TEXT_FREQUENCY_OFFSET, TEXT_FREQUENCY_OFFSET, 1, nullptr, nullptr},
-    {kRunState, TEXT_RX_GROUP, "IsSync", TEXT_SYNC_STATUS, nullptr, 1, nullptr, TEXT_SYNC_ACHIEVED},
-    {kRunVerdict, TEXT_RX_GAIN_SECTION, nullptr, "Rx1 gain state", nullptr, 1, nullptr, nullptr},
-    {kRunVerdict, TEXT_RX_GAIN_SECTION, nullptr, "Rx2 gain state", nullptr, 1, nullptr, nullptr},
-    {kRunValue, TEXT_RSSI_SECTION, "GetRSSIReport", TEXT_RX1_RSSI, TEXT_RX1_RSSI, 1, nullptr, nullptr},
-    {kRunValue, TEXT_RSSI_SECTION, "GetRSSIReport", TEXT_RX2_RSSI, TEXT_RX2_RSSI, 1, nullptr, nullptr},
-    {kRunValue, TEXT_RSSI_SECTION, "GetRSSIReport", TEXT_COMBINED_RSSI, TEXT_COMBINED_RSSI, 1, nullptr, nullptr},
-    {kRunValue, TEXT_RSSI_SECTION, "GetRSSIReport", TEXT_RX1_ADC_POWER, TEXT_RX1_ADC_POWER, 1, nullptr, nullptr},
-    {kRunValue, TEXT_RSSI_SECTION, "GetRSSIReport", TEXT_RX2_ADC_POWER, TEXT_RX2_ADC_POWER, 1, nullptr, nullptr},
-    {kRunValue, TEXT_RSSI_SECTION, "GetCINR", TEXT_COMBINED_CINR, TEXT_COMBINED_CINR, 1, nullptr, nullptr},
-    {kRunValue, TEXT_RSSI_SECTION, "GetCINR", TEXT_ANTENNA1_CINR, TEXT_ANTENNA1_CINR, 1, nullptr, nullptr},
-    {kRunValue, TEXT_RSSI_SECTION, "GetCINR", TEXT_ANTENNA2_CINR, TEXT_ANTENNA2_CINR, 1, nullptr, nullptr},
-    {kRunValue, TEXT_RSSI_SECTION, "GetPerAntThermalNoise", TEXT_ANTENNA1_NOISE, TEXT_ANTENNA1_NOISE, 1, nullptr, nullptr},
-    {kRunValue, TEXT_RSSI_SECTION, "GetPerAntThermalNoise", TEXT_ANTENNA2_NOISE, TEXT_ANTENNA2_NOISE, 1, nullptr, nullptr},
+    Value(TEXT_RX_GROUP, "IsSync", TEXT_FREQUENCY_OFFSET, TEXT_FREQUENCY_OFFSET, 1),
+    State(TEXT_RX_GROUP, "IsSync", TEXT_SYNC_STATUS, TEXT_SYNC_ACHIEVED),
+    Verdict(TEXT_RX_GAIN_SECTION, "Rx1 gain state"),
+    Verdict(TEXT_RX_GAIN_SECTION, "Rx2 gain state"),
+    Value(TEXT_RSSI_SECTION, "GetRSSIReport", TEXT_RX1_RSSI, TEXT_RX1_RSSI, 1),
+    Value(TEXT_RSSI_SECTION, "GetRSSIReport", TEXT_RX2_RSSI, TEXT_RX2_RSSI, 1),
+    Value(TEXT_RSSI_SECTION, "GetRSSIReport", TEXT_COMBINED_RSSI, TEXT_COMBINED_RSSI, 1),
+    Value(TEXT_RSSI_SECTION, "GetRSSIReport", TEXT_RX1_ADC_POWER, TEXT_RX1_ADC_POWER, 1),
+    Value(TEXT_RSSI_SECTION, "GetRSSIReport", TEXT_RX2_ADC_POWER, TEXT_RX2_ADC_POWER, 1),
+    Value(TEXT_RSSI_SECTION, "GetCINR", TEXT_COMBINED_CINR, TEXT_COMBINED_CINR, 1),
+    Value(TEXT_RSSI_SECTION, "GetCINR", TEXT_ANTENNA1_CINR, TEXT_ANTENNA1_CINR, 1),
+    Value(TEXT_RSSI_SECTION, "GetCINR", TEXT_ANTENNA2_CINR, TEXT_ANTENNA2_CINR, 1),
+    Value(TEXT_RSSI_SECTION, "GetPerAntThermalNoise", TEXT_ANTENNA1_NOISE, TEXT_ANTENNA1_NOISE, 1),
+    Value(TEXT_RSSI_SECTION, "GetPerAntThermalNoise", TEXT_ANTENNA2_NOISE, TEXT_ANTENNA2_NOISE, 1),
 
-    {kRunVerdict, TEXT_TX_ATTN_SECTION, nullptr, "attenuator set 1", nullptr, 1, nullptr, nullptr},
-    {kRunVerdict, TEXT_TX_ATTN_SECTION, nullptr, "attenuator set 2", nullptr, 1, nullptr, nullptr},
-    {kRunValue, TEXT_TX_POWER_SECTION, nullptr, "Tx output power read back at +20 dBm", "Tx output power", 1, nullptr, nullptr},
-    {kRunVerdict, TEXT_TX_POWER_SECTION, nullptr, "+20 dBm", nullptr, 1, nullptr, nullptr},
-    {kRunValue, TEXT_TX_POWER_SECTION, nullptr, "Tx output power read back at -20 dBm", "Tx output power", 1, nullptr, nullptr},
-    {kRunVerdict, TEXT_TX_POWER_SECTION, nullptr, "-20 dBm", nullptr, 1, nullptr, nullptr},
-    {kRunValue, TEXT_TX_POWER_SECTION, nullptr, "Tx output power read back at +10 dBm", "Tx output power", 1, nullptr, nullptr},
-    {kRunVerdict, TEXT_TX_POWER_SECTION, nullptr, "+10 dBm", nullptr, 1, nullptr, nullptr},
-    {kRunVerdict, TEXT_TX_SWITCH_SECTION, nullptr, "antenna 1", nullptr, 1, nullptr, nullptr},
-    {kRunVerdict, TEXT_TX_SWITCH_SECTION, nullptr, "antenna 2", nullptr, 1, nullptr, nullptr},
-    {kRunVerdict, TEXT_TX_SWITCH_SECTION, nullptr, "antenna 1 again", nullptr, 1, nullptr, nullptr},
+    Verdict(TEXT_TX_ATTN_SECTION, "attenuator set 1"),
+    Verdict(TEXT_TX_ATTN_SECTION, "attenuator set 2"),
+    Value(TEXT_TX_POWER_SECTION, nullptr, "Tx output power read back at +20 dBm", "Tx output power", 1),
+    Verdict(TEXT_TX_POWER_SECTION, "+20 dBm"),
+    Value(TEXT_TX_POWER_SECTION, nullptr, "Tx output power read back at -20 dBm", "Tx output power", 1),
+    Verdict(TEXT_TX_POWER_SECTION, "-20 dBm"),
+    Value(TEXT_TX_POWER_SECTION, nullptr, "Tx output power read back at +10 dBm", "Tx output power", 1),
+    Verdict(TEXT_TX_POWER_SECTION, "+10 dBm"),
+    Verdict(TEXT_TX_SWITCH_SECTION, "antenna 1"),
+    Verdict(TEXT_TX_SWITCH_SECTION, "antenna 2"),
+    Verdict(TEXT_TX_SWITCH_SECTION, "antenna 1 again"),
 
-    {kRunList, TEXT_LOOPBACK_GROUP, "Calibrate LC Trim", TEXT_LC_TRIM, nullptr, 0, TEXT_LC_TRIM_COUNT, nullptr},
-    {kRunValue, TEXT_LOOPBACK_GROUP, "Calibrate FE Steps", TEXT_PGA_GAIN_CORRECTION, TEXT_PGA_GAIN_CORRECTION, 2, nullptr, nullptr},
-    {kRunValue, TEXT_LOOPBACK_GROUP, "Calibrate FE Steps", TEXT_LNA_MID_GAIN_STEP, TEXT_LNA_MID_GAIN_STEP, 2, nullptr, nullptr},
-    {kRunValue, TEXT_LOOPBACK_GROUP, "Calibrate FE Steps", TEXT_LNA_HIGH_GAIN_STEP, TEXT_LNA_HIGH_GAIN_STEP, 2, nullptr, nullptr},
-    {kRunValue, TEXT_LOOPBACK_GROUP, "Calibrate FE Steps", TEXT_LNA_EXT_GAIN_STEP, TEXT_LNA_EXT_GAIN_STEP, 2, nullptr, nullptr},
-    {kRunList, TEXT_LOOPBACK_GROUP, "Calibrate Tx external attenuator step", TEXT_TX_EXT_ATTN_STEP,
-     TEXT_TX_EXT_ATTN_STEP, 20, nullptr, nullptr},
+    CountedList(TEXT_LOOPBACK_GROUP, "Calibrate LC Trim", TEXT_LC_TRIM, TEXT_LC_TRIM_COUNT),
+    Value(TEXT_LOOPBACK_GROUP, "Calibrate FE Steps", TEXT_PGA_GAIN_CORRECTION, TEXT_PGA_GAIN_CORRECTION, 2),
+    Value(TEXT_LOOPBACK_GROUP, "Calibrate FE Steps", TEXT_LNA_MID_GAIN_STEP, TEXT_LNA_MID_GAIN_STEP, 2),
+    Value(TEXT_LOOPBACK_GROUP, "Calibrate FE Steps", TEXT_LNA_HIGH_GAIN_STEP, TEXT_LNA_HIGH_GAIN_STEP, 2),
+    Value(TEXT_LOOPBACK_GROUP, "Calibrate FE Steps", TEXT_LNA_EXT_GAIN_STEP, TEXT_LNA_EXT_GAIN_STEP, 2),
+    List(TEXT_LOOPBACK_GROUP, "Calibrate Tx external attenuator step", TEXT_TX_EXT_ATTN_STEP, TEXT_TX_EXT_ATTN_STEP, 20),
 
-    {kRunVerdict, TEXT_OTHER_GROUP, nullptr, "LED write 0", nullptr, 1, nullptr, nullptr},
-    {kRunVerdict, TEXT_OTHER_GROUP, nullptr, "LED write 1", nullptr, 1, nullptr, nullptr},
-    {kRunRefusal, TEXT_OTHER_GROUP, nullptr, "GPIO 10 write refused", nullptr, 1, nullptr, "10"},
-    {kRunRefusal, TEXT_OTHER_GROUP, nullptr, "GPIO 11 write refused", nullptr, 1, nullptr, "11"},
-    {kRunRefusal, TEXT_OTHER_GROUP, nullptr, "GPIO 12 write refused", nullptr, 1, nullptr, "12"},
-    {kRunVerdict, TEXT_RFIC_WRITE_SECTION, nullptr, "write 0x0000", nullptr, 1, nullptr, nullptr},
-    {kRunVerdict, TEXT_RFIC_WRITE_SECTION, nullptr, "write 0x0000 again", nullptr, 1, nullptr, nullptr},
-    {kRunVerdict, TEXT_RFIC_WRITE_SECTION, nullptr, "write 0xFFFF", nullptr, 1, nullptr, nullptr},
-    {kRunVerdict, TEXT_RFIC_WRITE_SECTION, nullptr, "saved value restored", nullptr, 1, nullptr, nullptr},
-    {kRunValue, TEXT_TEMPERATURE_SECTION, "GetTemperature", TEXT_TEMPERATURE, TEXT_TEMPERATURE, 1, nullptr, nullptr},
-    {kRunValue, TEXT_GP_ADC_DAC_SECTION, nullptr, "GP ADC value", "GP ADC value", 4, nullptr, nullptr},
-    {kRunList, TEXT_SPECTRUM_SECTION, "GetRxSpectrum", "Rx spectrum", nullptr, 0, TEXT_SPECTRUM_LENGTH, nullptr},
-    {kRunLowTail, TEXT_SPECTRUM_SECTION, "GetRxSpectrum", "Rx spectrum noise floor", "Rx spectrum noise floor", 1,
-     nullptr, "Rx spectrum"},
-    {kRunPeak, TEXT_SPECTRUM_SECTION, "GetRxSpectrum", "Rx spectrum peak", "Rx spectrum peak", 1, nullptr,
-     "Rx spectrum"},
+    Verdict(TEXT_OTHER_GROUP, "LED write 0"),
+    Verdict(TEXT_OTHER_GROUP, "LED write 1"),
+    Refusal(TEXT_OTHER_GROUP, "GPIO 10 write refused", "10"),
+    Refusal(TEXT_OTHER_GROUP, "GPIO 11 write refused", "11"),
+    Refusal(TEXT_OTHER_GROUP, "GPIO 12 write refused", "12"),
+    Verdict(TEXT_RFIC_WRITE_SECTION, "write 0x0000"),
+    Verdict(TEXT_RFIC_WRITE_SECTION, "write 0x0000 again"),
+    Verdict(TEXT_RFIC_WRITE_SECTION, "write 0xFFFF"),
+    Verdict(TEXT_RFIC_WRITE_SECTION, "saved value restored"),
+    Value(TEXT_TEMPERATURE_SECTION, "GetTemperature", TEXT_TEMPERATURE, TEXT_TEMPERATURE, 1),
+    Value(TEXT_GP_ADC_DAC_SECTION, nullptr, "GP ADC value", "GP ADC value", 4),
+    CountedList(TEXT_SPECTRUM_SECTION, "GetRxSpectrum", "Rx spectrum", TEXT_SPECTRUM_LENGTH),
+    Statistic(kRunLowTail, TEXT_SPECTRUM_SECTION, "GetRxSpectrum", "Rx spectrum noise floor", "Rx spectrum"),
+    Statistic(kRunPeak, TEXT_SPECTRUM_SECTION, "GetRxSpectrum", "Rx spectrum peak", "Rx spectrum"),
 
-    {kRunState, TEXT_DSD_MANAGEMENT_GROUP, nullptr, "DSD checksum", nullptr, 1, nullptr, TEXT_VALID},
+    State(TEXT_DSD_MANAGEMENT_GROUP, nullptr, "DSD checksum", TEXT_VALID),
     RUN_BLOCK_STATE("Compatibility"), RUN_BLOCK_STATE("RF"), RUN_BLOCK_STATE("PHY"), RUN_BLOCK_STATE("MAC"),
     RUN_BLOCK_STATE("CAL"), RUN_BLOCK_STATE("HW"), RUN_BLOCK_STATE("MIB"), RUN_BLOCK_STATE("Security"),
     RUN_BLOCK_STATE("OMA DM"), RUN_BLOCK_STATE("MRU"), RUN_BLOCK_STATE("HVX"), RUN_BLOCK_STATE("unused"),
-    {kRunState, TEXT_DSD_MANAGEMENT_GROUP, nullptr, "Calibration state", nullptr, 1, nullptr, TEXT_VALID},
+    State(TEXT_DSD_MANAGEMENT_GROUP, nullptr, "Calibration state", TEXT_VALID),
 };
 inline constexpr size_t kRunItemCount = sizeof kRunItems / sizeof kRunItems[0];
 

@@ -392,7 +392,90 @@ TEST_F(AutomatedTestTest, AFinalPopThatDoesNotTakeIsSaid)
         << run.output;
 }
 
+// ---- What the run sends the device ----
+
+// Register 30 and the chip ID: bank 0, the data, and timing 1 (at once) on
+// every read and write; a stop signal at the second write leaves only the
+// saved value to put back and read.
+TEST_F(AutomatedTestTest, EveryRegisterCallNamesItsBankRegisterDataAndTiming)
+{
+    uint32_t saved = 0;
+    ASSERT_EQ(Q7_ReadRFICRegister(hCal, 0, 30, 1, &saved), nullptr);
+    const LoggedCall chipId{"Q7_ReadRFICRegister", {0, 0, 1}};
+    const LoggedCall read30{"Q7_ReadRFICRegister", {0, 30, 1}};
+    auto write30 = [](double data) { return LoggedCall{"Q7_WriteRFICRegister", {0, 30, data, 1}}; };
+    struct Case {
+        bool signal;
+        std::vector<LoggedCall> calls;
+    } cases[] = {
+        {false,
+         {chipId, read30, write30(0), read30, write30(0), read30, write30(0xFFFF), read30, write30(saved), read30}},
+        {true, {chipId, read30, write30(0), read30, write30(0), write30(saved), read30}},
+    };
+    for (const Case &c : cases) {
+        CatchStopSignalsInTest();
+        q7sim::control::OnEveryCall([&c, seen = 0u](const std::string &operation) mutable {
+            if (c.signal && operation == "Q7_WriteRFICRegister" && ++seen == 2)
+                raise(SIGTERM);
+        });
+        q7sim::control::RecordCalls();
+        RunHandler(AutomatedTest, hCal, kRunAnswers);
+        ReleaseStopSignals();
+        EXPECT_EQ(LoggedCallsOf({"Q7_ReadRFICRegister", "Q7_WriteRFICRegister"}), c.calls) << "signal: " << c.signal;
+        q7sim::control::Reset();
+        SetUp();
+    }
+}
+
 // ---- The loopback group stops at its first failing calibration ----
+
+// Each group says how it went: 0, or -1 where it stops early (a failing
+// calibration, a spectrum that cannot be reset), whatever the driver makes of it.
+TEST_F(AutomatedTestTest, EachGroupReturnsZeroOrMinusOneWhereItStopsEarly)
+{
+    struct Case {
+        int (*group)(CalInterfaceHandle);
+        const char *answers;
+        const char *failing;  // an operation whose failure stops the group, or null
+    } cases[] = {
+        {AutomatedConfigurationGroupTest, "", nullptr}, {AutomatedRxGroupTest, "", nullptr},
+        {AutomatedTxGroupTest, "", nullptr},            {AutomatedLoopbackGroupTest, "", "Q7_CalibrateFESteps"},
+        {AutomatedOtherCommandGroupTest, "\n", "Q7_ResetRxSpectrum"}, {AutomatedDSDManagementGroupTest, "1\n", nullptr},
+        {AutomatedDSDReadWriteGroupTest, "", nullptr},
+    };
+    for (const Case &c : cases) {
+        EXPECT_EQ(RunHandler(c.group, hCal, c.answers).result, 0);
+        if (c.failing != nullptr) {
+            FailNext(c.failing, 1, "Device fault");
+            EXPECT_EQ(RunHandler(c.group, hCal, c.answers).result, -1) << c.failing;
+        }
+    }
+    // A session that ends inside a group: the groups that can stop early say
+    // so; the configuration and Rx groups always answer 0.
+    struct Stop {
+        int (*group)(CalInterfaceHandle);
+        const char *operation;  // SIGTERM at its first call
+        int result;
+    } stops[] = {
+        {AutomatedLoopbackGroupTest, "Q7_CalibrateLCTrim", -1},  {AutomatedLoopbackGroupTest, "Q7_CalibrateTxPoutFreqCorr", -1},
+        {AutomatedLoopbackGroupTest, "Q7_CalibrateFESteps", -1}, {AutomatedOtherCommandGroupTest, "Q7_SetGPIOConfiguration", -1},
+        {AutomatedOtherCommandGroupTest, "Q7_ReadRFICRegister", -1}, {AutomatedOtherCommandGroupTest, "Q7_GetTemperature", -1},
+        {AutomatedOtherCommandGroupTest, "Q7_SetGPDACValue", -1}, {AutomatedConfigurationGroupTest, "Q7_GetDeviceMode", 0},
+        {AutomatedRxGroupTest, "Q7_SetRxAntConfig", 0},
+    };
+    for (const Stop &stop : stops) {
+        CatchStopSignalsInTest();
+        q7sim::control::OnEveryCall([&stop, seen = 0u](const std::string &operation) mutable {
+            if (operation == stop.operation && ++seen == 1)
+                raise(SIGTERM);
+        });
+        EXPECT_EQ(RunHandler(stop.group, hCal, "\n").result, stop.result) << stop.operation;
+        ReleaseStopSignals();
+        u32DeviceModeStackPointer = 0;  // the driver pops what a group left pushed
+        q7sim::control::Reset();
+        SetUp();
+    }
+}
 
 TEST_F(AutomatedTestTest, AFailingCalibrationStopsTheLoopbackGroupAfterItsPops)
 {

@@ -3,9 +3,11 @@ would, directly and from an interactive bash with job control:
 - Ctrl-C inside a command abandons only that command and the group menu
   carries on (a region write's WARNING says the command was interrupted);
   Ctrl-C at a menu leaves with status 130;
-- what Enter sends is what the screen shows: the up arrow recalls an earlier
-  answer; an unbound key (F5) leaves nothing in the line; a Unicode minus, a
-  no-break space and full-width digits are refused, never dropped;
+- what Enter sends is what the screen shows: backspace and the left arrow
+  mend a line; the up arrow recalls an earlier answer, to be edited too; an
+  unbound key (F5) leaves nothing in the line; a Unicode minus, a no-break
+  space and full-width digits are refused and asked again, never dropped;
+  words typed ahead do not answer a pause;
 - Ctrl-\\ (SIGQUIT) finishes the command's restore, leaves with 131 and the
   terminal as it was found;
 - after Ctrl-Z and fg the prompt and the line are redrawn; a stopped session
@@ -105,18 +107,30 @@ if "\a" not in shown or "5~" in shown:
 q7cal.prompt(TX_SELECTOR, "1\r")
 
 # Set Tx output power: answers that look like -20 or 20 but are not numbers
-# are refused; the plain -20 then reaches the device.
+# are shown as typed (a \U+ code for each character beyond ASCII), refused
+# and asked again; then -20, typed with a slip mended (backspace,
+# and a 2 put in with the left arrow), reaches the device.
 q7cal.prompt(MENU, "4\r")
-for lookalike in ("\u221220", "2\u00a00", "\uff12\uff10"):
+for lookalike in ("\u221220", "2\u00a00", "\uff12\uff10", "20\u07ff"):
     q7cal.prompt(TX_POWER, lookalike + "\r")
     shown = q7cal.wait_for("Please enter a number.")
     if "Not a number." not in shown or "SUCCESSFUL" in shown:
         fail("%r was not refused:" % lookalike, shown.encode())
-q7cal.prompt(TX_POWER, "-20\r")
+    if "".join(c if c < "\x80" else "\\U+%04X" % ord(c) for c in lookalike) not in shown:
+        fail("%r was not shown as typed:" % lookalike, shown.encode())
+q7cal.prompt(TX_POWER, "-0x\x7f\x1b[D2\r")
 q7cal.wait_for("SetTxOutputPower was SUCCESSFUL.")
 q7cal.prompt(MENU, "3\r")
 if "= -20" not in q7cal.wait_for("GetTxOutputPower was SUCCESSFUL."):
     fail("the device does not have -20 dBm:", q7cal.seen)
+# Three up arrows go back past the menu answers 4 and 3 to the answer -20,
+# which is edited into -25.
+q7cal.prompt(MENU, "4\r")
+q7cal.prompt(TX_POWER, "\x1b[A\x1b[A\x1b[A\x7f5\r")
+q7cal.wait_for("SetTxOutputPower was SUCCESSFUL.")
+q7cal.prompt(MENU, "3\r")
+if "= -25" not in q7cal.wait_for("GetTxOutputPower was SUCCESSFUL."):
+    fail("the recalled answer, edited, did not reach the device as -25 dBm:", q7cal.seen)
 
 # Ctrl-C at a region write's verify question: the data stays written, the
 # WARNING says why, and the session goes on.
@@ -127,6 +141,18 @@ q7cal.prompt(VERIFY, "\x03")
 shown = q7cal.wait_for("\r" + MENU)
 if "WARNING: Original data not restored, because the command was interrupted." not in shown:
     fail("Ctrl-C after a region write: no WARNING that the command was interrupted:", shown.encode())
+
+# The words typed after a menu choice are dropped at the automated run's
+# first pause, which waits for the engineer: Ctrl-C there abandons the run
+# before its second group.
+q7cal.type("-1\r")
+q7cal.prompt(MENU, "9\r")
+q7cal.prompt(MENU, "2 5\r")
+q7cal.wait_for("Press Enter to continue")
+q7cal.type("\x03")
+shown = q7cal.wait_for("\r" + MENU)
+if "Interrupted: command abandoned." not in shown or "Testing GetRxAntConfig" in shown:
+    fail("the words typed ahead answered the automated run's pause:", shown.encode())
 
 # Ctrl-C at a menu leaves through the normal exit.
 q7cal.type("\x03")
@@ -161,7 +187,9 @@ shell.wait_for(SHELL)
 shell.type("fg\r")
 shell.wait_for(MENU + "1")  # the line typed before the stop, redrawn
 shell.type("5\r")
-shell.wait_for("GetFeedbackCalAttn was SUCCESSFUL.")  # entry 15, as the screen showed
+shown = shell.wait_for("GetFeedbackCalAttn was SUCCESSFUL.")  # entry 15, as the screen showed
+if MENU + "1" in shown:
+    fail("after fg the line is drawn more than once", shown.encode())
 shell.prompt(MENU, "-1\r")
 shell.prompt(MENU, "-1\r")
 

@@ -1,7 +1,8 @@
 #!/usr/bin/env bash
 # Feeds CASE.in to the program and compares its whole stdout with CASE.out and
 # its exit status with CASE.status (0 when there is no such file). A run that
-# takes over a minute fails.
+# takes over a minute fails. CASE.in holds a session's answers, one a line,
+# with comments that say what each is for: answers.sh leaves them out.
 #
 # Menu screens are the menu table's, which the menu-navigation case pins: in
 # every other case each screen (heading, rows, rule and "ENTER OPTION : ")
@@ -13,15 +14,18 @@
 #       check every line against the texts the commands are meant to print
 #       before committing it; a recorded transcript proves nothing by itself.
 #   --stderr: CASE.out holds standard error and output merged.
+#   --transcript: CASE.in is a transcript for q7cal-report, fed as it is.
 set -u
 record=0
 menus=0
 merge=0
+transcript=0
 while :; do
   case "${1:-}" in
     --record) record=1; shift ;;
     --with-menus) menus=1; shift ;;
     --stderr) merge=1; shift ;;
+    --transcript) transcript=1; shift ;;
     *) break ;;
   esac
 done
@@ -30,11 +34,17 @@ case=$2
 
 actual=$(mktemp)
 expected=$(mktemp)
-trap 'rm -f "$actual" "$expected"' EXIT
-if [ $merge -eq 1 ]; then
-  timeout 60 "$bin" <"$case.in" >"$actual" 2>&1
+input=$(mktemp)
+trap 'rm -f "$actual" "$expected" "$input"' EXIT
+if [ $transcript -eq 1 ]; then
+  cp "$case.in" "$input"
 else
-  timeout 60 "$bin" <"$case.in" >"$actual"
+  "$(dirname "$0")/answers.sh" "$case.in" >"$input"
+fi
+if [ $merge -eq 1 ]; then
+  timeout 60 "$bin" <"$input" >"$actual" 2>&1
+else
+  timeout 60 "$bin" <"$input" >"$actual"
 fi
 status=$?
 if [ $status -eq 124 ]; then

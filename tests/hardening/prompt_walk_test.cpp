@@ -16,6 +16,7 @@
 #include "command_script.h"
 #include "console_capture.h"
 #include "console.h"
+#include "printed_texts.h"
 #include "menu.h"
 #include "scripted_session.h"
 
@@ -53,6 +54,19 @@ MenuRun RunThroughMenu(const CommandRow &row, const std::string &filler, int bad
     size_t deviceCalls = q7sim::control::Calls().size();
     q7sim::control::Reset();
     return {std::move(session), std::move(script), inputEnded, deviceCalls};
+}
+
+// The handler's own result, called directly with the same answers, input
+// ending at prompt `at`.
+int RunHandlerAbandonedAt(const CommandRow &row, const std::string &filler, int at)
+{
+    CalInterfaceHandle hCal = FreshConnectedDevice();
+    CommandScript script(nullptr, filler, at, std::nullopt);
+    int result = 0;
+    RunSession(row.label + ": the handler abandoned at prompt " + std::to_string(at + 1), std::ref(script),
+               [&] { result = MenuEntry[row.index].pfnHandler(hCal); });
+    q7sim::control::Reset();
+    return result;
 }
 
 // The command ran to its end, the menu came back and took the two -1 that
@@ -160,6 +174,10 @@ TEST_P(PromptWalk, EveryPromptSurvivesEndOfInputJunkEmptyLinesAndHugeNumbers)
 
             MenuRun ended = RunThroughMenu(row, filler, at, std::nullopt, "end of input");
             EXPECT_TRUE(ended.inputEnded) << where;
+            // The handler itself says the command failed: -1, as every abandoned command does.
+            if (!goesOn) {
+                EXPECT_EQ(RunHandlerAbandonedAt(row, filler, at), -1) << where << ": the handler's result";
+            }
             EXPECT_FALSE(ended.session.runaway) << where << ": reading went on after end of input";
             if (goesOn) {
                 EXPECT_NE(ended.session.output.find(kAbandoned), std::string::npos) << where;
@@ -172,7 +190,7 @@ TEST_P(PromptWalk, EveryPromptSurvivesEndOfInputJunkEmptyLinesAndHugeNumbers)
                     EXPECT_EQ(ended.deviceCalls, prompts[k].deviceCalls) << where << ": device called after end of input";
                 } else {
                     EXPECT_TRUE(kFinishAfterEndOfInput.count(row.label) != 0 &&
-                                (Contains(finish, "Restoring original DSD") ||
+                                (Contains(finish, "Restoring original DSD") || Contains(finish, TEXT_KEY_REPLACED) ||
                                  Contains(finish, "WARNING: Original data not restored, because input ended.")))
                         << where << ": after end of input only a restore asked for, or its WARNING:\n" << finish;
                 }

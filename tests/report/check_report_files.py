@@ -86,21 +86,28 @@ assert len(page.graphs) == arrays, (len(page.graphs), arrays)
 assert all(canvases > 0 for canvases in page.graphs), page.graphs
 dom = open(dom_file).read()
 assert "2 units judged by q7cal-report " in dom
-# A list with limits is drawn with them: each row its index, value, low and high.
+# Each unit's plots, in its own section, draw the record's lists in its
+# order: each row an entry's index (a spectrum's bin) and value, and the
+# list's limits where it has any.
 sections = dom.split('<section class="unit"')[1:]
-plots = [dict(plot, unit=u) for u, section in enumerate(sections)
+plots = [plot for section in sections
          for data in re.findall(r'<script type="application/json" class="plot-data">(.*?)</script>', section, re.S)
          for plot in json.loads(data)]
-limited = [plot for plot in plots if plot["labels"][2:] == ["low limit", "high limit"]]
-assert limited and all(len(row) == 4 for plot in limited for row in plot["rows"]), [p["labels"] for p in plots]
-# Each plot draws its list's values, against their index, in the record's order.
-drawn = [(p["unit"], p["title"], [row[1] for row in p["rows"]], [row[0] for row in p["rows"]]) for p in plots]
-listed = [(u, m["name"], m["values"], list(range(len(m["values"]))))
-          for u, unit in enumerate(units) for m in unit["measurements"] if "values" in m]
-assert drawn == listed, "the plots do not draw the record's lists"
+lists = [(u, k, m) for u, unit in enumerate(units)
+         for k, m in enumerate(m for m in unit["measurements"] if "values" in m)]
+limits = lambda m: [m["low"], m["high"]] if m["low"] is not None else []
+assert any(limits(m) for u, k, m in lists)
+assert plots == [{"id": "plot-%d-%d" % (u, k), "title": m["name"], "ylabel": m["unit"],
+                  "labels": ["bin" if m["quantity"] == "Rx spectrum" else "index", m["name"]] +
+                            (["low limit", "high limit"] if limits(m) else []),
+                  "rows": [[i, value] + limits(m) for i, value in enumerate(m["values"])]}
+                 for u, k, m in lists], "the plots do not draw the record's lists"
 counted = ["%d checks: %d PASS, %d MARGINAL, %d FAIL, %d expected errors." % tuple(
     unit["totals"][k] for k in ("checks", "passed", "marginal", "failed", "expected_errors")) for unit in units]
 assert all(text in section for text, section in zip(counted, sections)), "the checks are miscounted"
+# A healthy unit's page marks nothing failed; the corrupted one's, its failed checks alone.
+assert '<tr class="failed">' not in sections[0], "the healthy unit shows a failed row"
+assert sections[1].count('<tr class="failed">') == units[1]["totals"]["failed"], "the failed rows are miscounted"
 # Each unit's plots stand in its own section.
 for unit, section in enumerate(sections):
     drawn_here = re.findall(r'id="plot-(\d+)-', section)

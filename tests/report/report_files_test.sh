@@ -38,27 +38,35 @@ chromium --headless --no-sandbox --disable-gpu --disable-quic --no-first-run --d
 /usr/bin/python3 "$here/check_report_files.py" "$scratch/units.xml" "$scratch/units.json" "$scratch/dom.html" ||
   fail "the files do not say what the units showed"
 
-# A live pipe: each check is timed by when its line arrived.
-{
-  sed -n '1,300p' "$golden/healthy_run.in"
-  sleep 0.5
-  sed -n '301,$p' "$golden/healthy_run.in"
-} | "$report" --json="$scratch/live.json" >/dev/null || fail "the live healthy run did not pass"
-/usr/bin/python3 - "$scratch/live.json" <<'PY' || fail "the live run's times do not show the pause"
+# A live pipe: each check is timed by when its line arrived. A reader held
+# up by a busy machine reads what waited as one burst, so a pipe's timing
+# gets three tries; a program that holds its lines back fails every one.
+live_healthy_run() {
+  {
+    sed -n '1,300p' "$golden/healthy_run.in"
+    sleep 0.5
+    sed -n '301,$p' "$golden/healthy_run.in"
+  } | "$report" --json="$scratch/live.json" >/dev/null || return 1
+  /usr/bin/python3 - "$scratch/live.json" <<'PY'
 import json, sys
 unit = json.load(open(sys.argv[1]))["units"][0]
 assert unit["context"]["timed"] and unit["context"]["seconds"] >= 0.3, unit["context"]
 assert max(check["seconds"] for check in unit["checks"]) >= 0.3
 PY
-
+}
 # q7cal itself on a live pipe: it writes each line as it completes, so that
 # the band's first check carries the half second its mandated wait took.
-"$q7cal" <"$answers" | "$report" --json="$scratch/q7cal-live.json" >/dev/null || fail "q7cal's live run did not pass"
-/usr/bin/python3 - "$scratch/q7cal-live.json" <<'PY' || fail "q7cal's lines do not arrive as they are printed"
+"$here/../golden/answers.sh" "$answers" >"$scratch/answers"
+live_q7cal_run() {
+  "$q7cal" <"$scratch/answers" | "$report" --json="$scratch/q7cal-live.json" >/dev/null || return 1
+  /usr/bin/python3 - "$scratch/q7cal-live.json" <<'PY'
 import json, sys
 checks = {c["name"]: c["seconds"] for c in json.load(open(sys.argv[1]))["units"][0]["checks"]}
 assert checks["GetBandConfig and SetBandConfig: 2500000 kHz, 10000 kHz"] >= 0.3, checks
 PY
+}
+live_healthy_run || live_healthy_run || live_healthy_run || fail "the live run's times do not show the pause"
+live_q7cal_run || live_q7cal_run || live_q7cal_run || fail "q7cal's lines do not arrive as they are printed"
 
 # The command line.
 expect() {  # STATUS STDERR-PATTERN ARGUMENT... ("" for any stderr)

@@ -1,35 +1,23 @@
 // q7cal-report's reader, value lines, limits and writers. Whole transcripts
-// and their verdicts are golden cases under golden/report/; the files a line
-// keeps (JUnit by the strict schema and junitparser, JSON, the HTML page in
-// Chromium) are checked by report_files_test.sh. Here: what a transcript
-// alone cannot pin down.
-//
-// The recorded transcripts of golden/report/ come from the program with
-// instant sleeps; the failing ones with the simulated device's faults set
-// before the session, or a session that breaks the unit:
-//   stuck_led.in        StickGpioPin(11, 0): the LED write 1 test fails
-//   faulty_unit.in      FailNext("Q7_SetTxOutputPower", 1), FailNext("Q7_CalibrateFESteps", 1),
-//                       FailCall("Q7_SetGPIOConfiguration", 2): an error glued to its
-//                       announcement, an error in a section without verdicts, and the
-//                       GPIO writes that should have been refused going through
-//   incomplete_run.in   answers "9 2 <Enter>": input ends at the second pause
-//   corrupted_store.in  byte writes without restore at 0x100 (RF block) and 0x700
-//                       (CAL block), then the automated run
-//   hot_unit.in         the die temperature forced to 133 C when it is read
-//   out_of_step.in      the automated run's answers with a stray "5" after them
-//   nvm_mode_test.in    the NVM mode test, the one command without a heading
+// and their verdicts are golden cases under golden/report/ (records.txt says
+// how each was recorded); the files a line keeps (JUnit by the strict schema
+// and junitparser, JSON, the HTML page in Chromium) are checked by
+// report_files_test.sh. Here: what a transcript alone cannot pin down.
 #include <gtest/gtest.h>
 #include <tinyxml2.h>
 
+#include <algorithm>
 #include <cmath>
 #include <fstream>
 #include <nlohmann/json.hpp>
 #include <sstream>
 #include <string>
 
+#include "history_report.h"
+#include "line_classifier.h"
 #include "measurement_limits.h"
 #include "report_writers.h"
-#include "line_classifier.h"
+#include "run_plan.h"
 #include "transcript.h"
 
 namespace {
@@ -72,6 +60,24 @@ const Check *Find(const UnitRecord &record, const std::string &name)
         if (check.name == name)
             return &check;
     return nullptr;
+}
+
+// The healthy run's lines, and the run judged with line `at` replaced by `replacement`.
+std::vector<std::string> HealthyLines()
+{
+    std::vector<std::string> lines;
+    for (const q7report::TimedLine &line : Lines(Golden("healthy_run")))
+        lines.push_back(line.text);
+    return lines;
+}
+
+UnitRecord JudgeEdited(const std::vector<std::string> &lines, size_t at, const std::vector<std::string> &replacement)
+{
+    std::string text;
+    for (size_t i = 0; i < lines.size(); i++)
+        for (const std::string &line : i == at ? replacement : std::vector<std::string>{lines[i]})
+            text += line + "\n";
+    return Judge(text);
 }
 
 TEST(ReportTest, ACommandPassesOnlyWithItsGoodEndingAndNothingAmiss)
@@ -176,11 +182,8 @@ TEST(ReportTest, TheRunEndsJudgedByItsFinalPopAndTheLineAfterIt)
 // write's words are the device library's, and any words will do.
 TEST(ReportTest, EveryLineThePlanNeedsFailsTheUnitWhenMissingRepeatedOrSpoilt)
 {
-    const std::string healthy = Golden("healthy_run");
-    std::vector<std::string> lines;
-    for (const q7report::TimedLine &line : Lines(healthy))
-        lines.push_back(line.text);
-    const UnitRecord judged = Judge(healthy);
+    const std::vector<std::string> lines = HealthyLines();
+    const UnitRecord judged = Judge(Golden("healthy_run"));
     ASSERT_TRUE(judged.Passed());
     std::map<size_t, bool> needed;  // line index, and whether its words are the library's
     for (const Check &check : judged.checks) {
@@ -194,21 +197,71 @@ TEST(ReportTest, EveryLineThePlanNeedsFailsTheUnitWhenMissingRepeatedOrSpoilt)
                 needed[++at] = false;
     }
     ASSERT_GE(needed.size(), 150u);
-    auto judgeWith = [&](size_t at, const std::vector<std::string> &replacement) {
-        std::string text;
-        for (size_t i = 0; i < lines.size(); i++)
-            for (const std::string &line : i == at ? replacement : std::vector<std::string>{lines[i]})
-                text += line + "\n";
-        return Judge(text);
-    };
     for (const auto &[at, libraryWords] : needed) {
         const std::string &line = lines[at];
-        EXPECT_FALSE(judgeWith(at, {}).Passed()) << "deleted: " << line;
-        EXPECT_FALSE(judgeWith(at, {line, line}).Passed()) << "repeated: " << line;
+        EXPECT_FALSE(JudgeEdited(lines, at, {}).Passed()) << "deleted: " << line;
+        EXPECT_FALSE(JudgeEdited(lines, at, {line, line}).Passed()) << "repeated: " << line;
         std::string spoilt = q7report::TrimRight(line);
         spoilt = spoilt.substr(0, spoilt.find_last_of(" \t=") + 1) + "x";
         if (!libraryWords) {
-            EXPECT_FALSE(judgeWith(at, {spoilt}).Passed()) << "spoilt: " << spoilt;
+            EXPECT_FALSE(JudgeEdited(lines, at, {spoilt}).Passed()) << "spoilt: " << spoilt;
+        }
+    }
+}
+
+// The plan's names at the edges of each section: its first and last items
+// named and classed by it. A section whose heading is lost misses every item
+// it plans, each by its own name, class and kind; its heading shown twice, a
+// heading the plan does not know, or a verdict after its last is an
+// unexpected line of that section.
+TEST(ReportTest, EverySectionNamesItsItemsByThePlanUpToItsEdges)
+{
+    const std::vector<std::string> lines = HealthyLines();
+    const UnitRecord judged = Judge(Golden("healthy_run"));
+    for (const RunSection &section : kRunSections) {
+        const std::string group = kRunGroups[section.group].name, classname = "automated." + group;
+        auto unexpectedAt = [&](const UnitRecord &record, size_t line) {
+            const Check *unexpected = Find(record, std::string(section.title) + ": unexpected line");
+            return unexpected && !unexpected->passed && unexpected->classname == classname && unexpected->line == line;
+        };
+        size_t heading = 0;
+        while (q7report::Classify(lines[heading]).kind != q7report::ClassifiedLine::kSectionHeading ||
+               q7report::Classify(lines[heading]).label != section.title)
+            ASSERT_LT(++heading, lines.size()) << section.title;
+        EXPECT_TRUE(unexpectedAt(JudgeEdited(lines, heading, {lines[heading], lines[heading]}), heading + 2))
+            << section.title;
+        EXPECT_TRUE(unexpectedAt(JudgeEdited(lines, heading, {lines[heading], lines[heading] + " again"}), heading + 2))
+            << section.title;
+
+        std::vector<std::string> names, missed;  // the section's items: their checks, and what each missed says
+        std::string lastVerdict;
+        for (const RunItem &item : kRunItems) {
+            if (std::string(item.section) != section.title)
+                continue;
+            names.push_back(std::string(item.command ? item.command : item.section) + ": " + item.name);
+            bool checked = item.kind == kRunVerdict || item.kind == kRunState || item.kind == kRunRefusal;
+            missed.push_back(std::string(checked ? "not checked: " : "not measured: ") + item.name + " (" + group +
+                             " group, before line ");
+            if (item.kind == kRunVerdict)
+                lastVerdict = names.back();
+        }
+        if (names.empty())
+            continue;
+        const Check *first = Find(judged, names.front()), *last = Find(judged, names.back());
+        ASSERT_TRUE(first && last) << section.title;
+        EXPECT_TRUE(first->classname == classname && last->classname == classname && first->line <= last->line);
+        const UnitRecord lost = JudgeEdited(lines, heading, {});
+        for (size_t i = 0; i < names.size(); i++) {
+            auto check = std::find_if(lost.checks.begin(), lost.checks.end(),
+                                      [&](const Check &c) { return c.name == names[i] && !c.passed; });
+            ASSERT_NE(check, lost.checks.end()) << names[i];
+            EXPECT_EQ(check->classname, classname) << names[i];
+            EXPECT_EQ(check->message.substr(0, missed[i].size()), missed[i]) << names[i];
+        }
+        if (!lastVerdict.empty()) {
+            const size_t at = Find(judged, lastVerdict)->line;
+            const UnitRecord repeated = JudgeEdited(lines, at - 1, {lines[at - 1], lines[at - 1]});
+            EXPECT_TRUE(Find(repeated, lastVerdict)->passed && unexpectedAt(repeated, at + 1)) << lastVerdict;
         }
     }
 }
@@ -491,6 +544,51 @@ TEST(ReportTest, MarkupAndOddBytesInAnErrorTextReachEveryFileIntact)
     EXPECT_EQ(page.find("<a>"), std::string::npos);
     EXPECT_EQ(page.find("</script> \u2401"), std::string::npos);
     EXPECT_NE(page.find("ERROR: &lt;a&gt; &amp; &quot;b&quot; &lt;/script&gt; \u2401\ufffd"), std::string::npos);
+}
+
+// --since and --until: every form of ISO 8601 the tool writes or a line types,
+// as UTC milliseconds; an end reaches to the end of its last unit; anything
+// impossible or malformed is refused.
+TEST(ReportTest, HistoryTimesAreIso8601AndImpossibleOnesAreRefused)
+{
+    const long long day = 1795564800000;  // 2026-11-25T00:00:00Z
+    struct Case {
+        const char *text;
+        long long start;  // -1: refused
+        long long end;
+    } cases[] = {
+        {"2026-11-25", day, day + 86399999},
+        {"2026-11-25T10:00", day + 36000000, day + 36059999},
+        {"2026-11-25T10:00:05", day + 36005000, day + 36005999},
+        {"2026-11-25T10:00:05.25Z", day + 36005250, day + 36005250},
+        {"2026-11-25 10:00:05z", day + 36005000, day + 36005999},
+        {"2026-11-25T10:00+01:00", day + 32400000, day + 32459999},
+        {"2026-11-25T10:00-0530", day + 55800000, day + 55859999},
+        {"2026-11-25T10:00+01", day + 32400000, day + 32459999},
+        {"2024-02-29", 1709164800000, 1709251199999},
+        {"1969-12-31", -86400000, -1},
+        {"2000-02-29", 951782400000, 951868799999},
+        {"2100-02-28", 4107456000000, 4107542399999},
+        {"2100-03-01", 4107542400000, 4107628799999},
+        {"2100-02-29", -1, 0},
+        {"2026-02-29", -1, 0}, {"2026-02-30", -1, 0}, {"2026-13-01", -1, 0}, {"2026-00-10", -1, 0},
+        {"2026-11-00", -1, 0}, {"2026-11-25T24:00", -1, 0}, {"2026-11-25T10:60", -1, 0},
+        {"2026-11-25T10:00:60", -1, 0}, {"2026-11-25T10:00+24:00", -1, 0}, {"2026-1x-01", -1, 0},
+        {"2026-11-1", -1, 0}, {"2026-11-25T10", -1, 0}, {"2026-11-25T10:00:05.", -1, 0},
+        {"2026-11-25T10:00Zx", -1, 0}, {"2026/11/25", -1, 0}, {"", -1, 0},
+    };
+    for (const Case &c : cases) {
+        std::optional<long long> start = q7report::ParseHistoryTime(c.text, false);
+        std::optional<long long> end = q7report::ParseHistoryTime(c.text, true);
+        if (c.start == -1) {
+            EXPECT_FALSE(start || end) << c.text;
+            continue;
+        }
+        ASSERT_TRUE(start && end) << c.text;
+        EXPECT_EQ(*start, c.start) << c.text;
+        EXPECT_EQ(*end, c.end) << c.text;
+    }
+    EXPECT_EQ(q7report::UtcTime(day + 36005250), "2026-11-25T10:00:05.250Z");
 }
 
 }  // namespace

@@ -2,6 +2,7 @@
 
 #include <signal.h>
 
+#include <algorithm>
 #include <cstdio>
 #include <cstdlib>
 
@@ -58,6 +59,16 @@ void SimulatedDeviceTest::SetUp()
 void SimulatedDeviceTest::TearDown() { q7sim::control::Reset(); }
 
 q7sim::Device &SimulatedDeviceTest::device() { return *q7sim::control::OpenDevice(); }
+
+std::vector<LoggedCall> LoggedCallsOf(const std::vector<std::string> &operations)
+{
+    const std::vector<std::string> &calls = q7sim::control::Calls();
+    std::vector<LoggedCall> chosen;
+    for (size_t i = 0; i < calls.size(); i++)
+        if (std::find(operations.begin(), operations.end(), calls[i]) != operations.end())
+            chosen.emplace_back(calls[i], q7sim::control::ArgumentsOfCalls()[i]);
+    return chosen;
+}
 
 std::vector<uint8_t> SimulatedDeviceTest::DsdStores() { return DsdStoresOf(device()); }
 

@@ -7,6 +7,7 @@
 
 #include <functional>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "Device.h"
@@ -41,6 +42,11 @@ protected:
 
     CalInterfaceHandle hCal = nullptr;
 };
+
+// The logged calls (q7sim::control::RecordCalls) of the named operations, in
+// call order, each with its value arguments.
+using LoggedCall = std::pair<std::string, std::vector<double>>;
+std::vector<LoggedCall> LoggedCallsOf(const std::vector<std::string> &operations);
 
 // The program's stop-signal handlers, installed even where the test runner
 // ignores a signal; and the default actions back.

@@ -38,6 +38,14 @@ static bool OnlyResealed(const std::vector<uint8_t> &original, const std::vector
 
 static bool Has(const std::string &text, const char *part) { return text.find(part) != std::string::npos; }
 
+bool SaysAStoreMayBeLeftChanged(const std::string &output)
+{
+    size_t restoring = output.find("Restoring original");
+    bool restoreFailed = restoring != std::string::npos && output.find("WRITE ERROR: ", restoring) != std::string::npos;
+    return Has(output, "\nWARNING: Original data not restored, because ") || restoreFailed ||
+           (Has(output, " verify errors.\n") && !Has(output, "\n0 verify errors.\n"));
+}
+
 std::string StoreSafetyViolation(const WriteCommandEnd &end)
 {
     if (end.written != nullptr) {
@@ -50,12 +58,7 @@ std::string StoreSafetyViolation(const WriteCommandEnd &end)
     }
     if (!end.restoreAsked || end.after == end.original || OnlyResealed(end.original, end.after))
         return "";
-    size_t restoring = end.output.find("Restoring original");
-    bool restoreFailed =
-        restoring != std::string::npos && end.output.find("WRITE ERROR: ", restoring) != std::string::npos;
-    bool said = Has(end.output, "\nWARNING: Original data not restored, because ") || restoreFailed ||
-                (Has(end.output, " verify errors.\n") && !Has(end.output, "\n0 verify errors.\n"));
-    if (!said)
+    if (!SaysAStoreMayBeLeftChanged(end.output))
         return "a restore was asked for, and the store was left changed without a word";
     if (Has(end.output, " was SUCCESSFUL."))
         return "a restore claimed that was not made";

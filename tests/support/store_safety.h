@@ -13,6 +13,11 @@
 // Every DSD store of the device: the NVM sections, then the DSD buffer.
 std::vector<uint8_t> DsdStoresOf(q7sim::Device &device);
 
+// The output says that a store may be left changed: the WARNING, a WRITE
+// ERROR of the restore, or verify errors that withheld it (a failed data
+// write is no such word).
+bool SaysAStoreMayBeLeftChanged(const std::string &output);
+
 struct WriteCommandEnd {
     const std::vector<uint8_t> &original;  // the stores before the command
     const std::vector<uint8_t> &after;     // and after it
@@ -27,9 +32,8 @@ struct WriteCommandEnd {
 //  - a byte holds neither its original value nor the one the data write
 //    puts there;
 //  - a restore was asked for, the stores are not back to their original
-//    contents, and the output does not say so (the WARNING, the restore's
-//    WRITE ERROR, or the block write's verify errors; a failed data write is
-//    no such word) or says the command was SUCCESSFUL.
+//    contents, and the output does not say so or says the command was
+//    SUCCESSFUL.
 std::string StoreSafetyViolation(const WriteCommandEnd &end);
 
 #endif

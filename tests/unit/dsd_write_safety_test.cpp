@@ -31,6 +31,8 @@
 #include "commands.h"
 #include "console.h"
 #include "console_capture.h"
+#include "diagnostics.h"
+#include "failing_malloc.h"
 #include "scripted_session.h"
 #include "store_safety.h"
 
@@ -366,10 +368,55 @@ TEST_F(DsdWriteSafetyTest, NoStoreIsLeftChangedWithoutAWordWhateverTheDeviceDoes
         EXPECT_GE(count, 10) << outcome;
 }
 
+// Each allocation that a write makes, failed in turn (the test program's
+// malloc fails on request) in a write that asks for a restore: the command
+// says so and ends with -1, claims no success, and leaves every store as it
+// was or says that it may not have.
+TEST_F(DsdWriteSafetyTest, AWriteWhoseAllocationFailsClaimsNothing)
+{
+    struct Case {
+        int (*handler)(CalInterfaceHandle);
+        const char *answers;
+    } cases[] = {
+        {TestWriteDSDBlock, "100\n4\n1\n1\n3\n5A\n1\n"},
+        {TestWriteDSDBytes, "100\n4\n1\n1\n3\n77\n1\n"},
+        {TestWriteFlash2xBytesWithHeader, "100\n16\n1\n4\n3\n1\n1\n3\n5A\n1\n"},
+        {TestWriteDSDRegionByID, "7\n1\n10\n1\n1\n"},
+    };
+    for (const Case &c : cases) {
+        CountAllocations();
+        EXPECT_EQ(RunHandler(c.handler, hCal, c.answers).result, 0);
+        const unsigned allocations = StopCountingAllocations();
+        EXPECT_GT(allocations, 0u) << c.answers;
+        for (unsigned failing = 1; failing <= allocations; failing++) {
+            const std::vector<uint8_t> before = DsdStores();
+            CountAllocations(failing);
+            HandlerRun run = RunHandler(c.handler, hCal, c.answers);
+            StopCountingAllocations();
+            SCOPED_TRACE("allocation " + std::to_string(failing) + " failed, answers " + c.answers + "\noutput:\n" +
+                         run.output);
+            EXPECT_TRUE(Contains(run.output, "\nERROR: Data block memory allocation failed\n"));
+            EXPECT_EQ(run.result, -1);
+            EXPECT_FALSE(Contains(run.output, " was SUCCESSFUL."));
+            EXPECT_TRUE(DsdStores() == before || SaysAStoreMayBeLeftChanged(run.output));
+        }
+    }
+    // The NVM mode test, whose images cannot be allocated, touches nothing.
+    const std::vector<uint8_t> before = DsdStores();
+    CountAllocations(1);
+    HandlerRun run = RunHandler(NvmModeTest, hCal, "0\n");
+    StopCountingAllocations();
+    EXPECT_EQ(run.result, -1);
+    EXPECT_TRUE(EndsWith(run.output, "\nERROR: Not enough memory for the NVM mode test\n")) << run.output;
+    EXPECT_TRUE(DsdStores() == before);
+}
+
 // Standard output that dies in the middle of a write: it is a pipe read by a
-// real child process (head) that has exited by the moment of a chosen device
-// call. Every line that says the device was left changed reaches standard
-// error then, where the engineer can still read it.
+// real child process (cat) that reads all until it is killed at the moment of
+// a chosen device call, so that every write before that call succeeds and
+// every one after it fails, however slowly the program runs. Every line that
+// says the device was left changed reaches standard error then, where the
+// engineer can still read it.
 TEST_F(DsdWriteSafetyTest, WhatTheDeviceWasLeftWithReachesStderrOnceStdoutHasDied)
 {
     struct Case {
@@ -404,7 +451,7 @@ TEST_F(DsdWriteSafetyTest, WhatTheDeviceWasLeftWithReachesStderrOnceStdoutHasDie
             dup2(toReader[0], STDIN_FILENO);
             close(toReader[0]);
             close(toReader[1]);
-            execlp("sh", "sh", "-c", "head -c 1 >/dev/null", static_cast<char *>(nullptr));
+            execlp("sh", "sh", "-c", "exec cat >/dev/null", static_cast<char *>(nullptr));
             _exit(127);
         }
         close(toReader[0]);
@@ -416,9 +463,12 @@ TEST_F(DsdWriteSafetyTest, WhatTheDeviceWasLeftWithReachesStderrOnceStdoutHasDie
         }
         c.arm();
         unsigned seenCalls = 0;
+        bool readerGone = false;
         control::OnEveryCall([&](const std::string &operation) {
-            if (operation == target && ++seenCalls == nth)
-                waitpid(reader, nullptr, 0);  // it read its byte and is gone
+            if (operation == target && ++seenCalls == nth) {
+                kill(reader, SIGKILL);
+                readerGone = waitpid(reader, nullptr, 0) == reader;  // its end of the pipe is closed
+            }
         });
 
         FILE *answers = std::tmpfile();
@@ -441,7 +491,9 @@ TEST_F(DsdWriteSafetyTest, WhatTheDeviceWasLeftWithReachesStderrOnceStdoutHasDie
         std::fflush(stderr);
         dup2(savedErr, STDERR_FILENO);
         close(savedErr);
-        waitpid(reader, nullptr, WNOHANG);
+        EXPECT_TRUE(readerGone) << "the call at which the reader goes was never made";
+        if (!readerGone)
+            waitpid(reader, nullptr, 0);  // it reads to the end of the closed pipe
 
         std::string said(1024, '\0');
         std::rewind(errors);

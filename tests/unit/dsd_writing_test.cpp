@@ -10,6 +10,7 @@
 #include "SimControl.h"
 #include "commands.h"
 #include "console_capture.h"
+#include "printed_texts.h"
 
 namespace {
 
@@ -247,6 +248,18 @@ TEST_F(DsdWritingTest, KeysComeFromTheDeviceOrAreTypedAndARefusedKeyWritesNothin
                                          " has already been used: each key is good for one write\n"))
         << run.output;
 
+    // A write abandoned after its key was requested says that the key held
+    // before is gone: the region write asks for its count after the request,
+    // the byte write for its pattern.
+    for (auto [handler, answers] : {std::pair{TestWriteDSDRegionByID, "5\n1\n"}, std::pair{TestWriteDSDBytes, "100\n4\n1\n0\n"}}) {
+        run = RunHandler(handler, hCal, answers);
+        EXPECT_EQ(run.result, -1);
+        EXPECT_TRUE(EndsWith(run.output, "\nEnd of input: command abandoned.\n" TEXT_KEY_REPLACED "\n"))
+            << run.output;
+    }
+    run = RunHandler(TestWriteDSDRegionByID, hCal, "5\n0\n");
+    EXPECT_FALSE(Contains(run.output, "replaced")) << run.output;  // a typed key replaces nothing
+
     // A refused auto key is 0, which the write refuses.
     q7sim::control::RefuseWriteKeys(1);
     run = RunHandler(TestWriteDSDBytes, hCal, "100\n4\n1\n0\n3\n0\n");
@@ -256,6 +269,62 @@ TEST_F(DsdWritingTest, KeysComeFromTheDeviceOrAreTypedAndARefusedKeyWritesNothin
     EXPECT_TRUE(DsdStores() == before);
 }
 
+// What each write asks of the device: its range (address or region) and
+// size on every read and write, the data write's own count, and a key of its
+// own for the restore. Keys show as 1, 2, ... in the order the writes first
+// present them.
+TEST_F(DsdWritingTest, EachWriteNamesItsRangeItsSizesAndAFreshKeyForTheRestore)
+{
+    const LoggedCall key{"Q7_RequestDSDWriteKey", {}};
+    auto readAt = [](double size, double address) { return LoggedCall{"Q7_ReadDSDBytes", {size, address}}; };
+    auto writeAt = [](double keyNumber, double size, double address) {
+        return LoggedCall{"Q7_WriteDSDBytes", {keyNumber, size, address}};
+    };
+    auto readRegion = [](double size) { return LoggedCall{"Q7_ReadDSDRegionByID", {7, size}}; };
+    auto writeRegion = [](double keyNumber, double size) {
+        return LoggedCall{"Q7_WriteDSDRegionByID", {keyNumber, 7, size}};
+    };
+    struct Case {
+        int (*handler)(CalInterfaceHandle);
+        const char *answers;
+        std::vector<LoggedCall> calls;
+    } cases[] = {
+        {TestWriteDSDBlock, "200\n4\n1\n1\n3\nCAFEF00D\n1\n",
+         {key, readAt(16, 0x200), readAt(16, 0x200), writeAt(1, 16, 0x200), readAt(16, 0x200), key,
+          writeAt(2, 16, 0x200), readAt(16, 0x200)}},
+        {TestWriteDSDBytes, "100\n5\n1\n1\n3\n77\n1\n",
+         {key, readAt(5, 0x100), readAt(5, 0x100), writeAt(1, 5, 0x100), readAt(5, 0x100), key, writeAt(2, 5, 0x100),
+          readAt(5, 0x100)}},
+        // The image's data block at its offset, with the header's three words
+        // and write mode 1; the whole image is read and restored.
+        {TestWriteFlash2xBytesWithHeader, "100\n16\n1\n4\n3\n1\n1\n3\n5A\n1\n",
+         {key, readAt(65536, 0), readAt(65536, 0), {"Q7_WriteFlash2xBytesWithHeader", {1, 16, 0x100, 3, 1}},
+          readAt(65536, 0), key, writeAt(2, 65536, 0), readAt(65536, 0)}},
+        // The region's size asked, then read with room to spare to confirm it.
+        {TestWriteDSDRegionByID, "7\n1\n10\n1\n1\n",
+         {key, {"Q7_GetDSDRegionSizeByID", {7}}, readRegion(32768), readRegion(760), readRegion(760),
+          writeRegion(1, 10), readRegion(760), key, writeRegion(2, 760), readRegion(760)}},
+    };
+    for (const Case &c : cases) {
+        q7sim::control::RecordCalls();
+        HandlerRun run = RunHandler(c.handler, hCal, c.answers);
+        EXPECT_EQ(run.result, 0) << run.output;
+        std::vector<LoggedCall> calls =
+            LoggedCallsOf({"Q7_RequestDSDWriteKey", "Q7_ReadDSDBytes", "Q7_WriteDSDBytes", "Q7_GetDSDRegionSizeByID",
+                           "Q7_ReadDSDRegionByID", "Q7_WriteDSDRegionByID", "Q7_WriteFlash2xBytesWithHeader"});
+        std::vector<double> keys;
+        for (LoggedCall &call : calls)
+            if (call.first.rfind("Q7_Write", 0) == 0) {
+                if (std::find(keys.begin(), keys.end(), call.second[0]) == keys.end())
+                    keys.push_back(call.second[0]);
+                call.second[0] = double(std::find(keys.begin(), keys.end(), call.second[0]) - keys.begin() + 1);
+            }
+        EXPECT_EQ(calls, c.calls) << run.output;
+        q7sim::control::Reset();
+        SetUp();
+    }
+}
+
 // Each way a write can go wrong, said in its own words: the original read (an
 // error, short, two reads that disagree), the verification, and the restore
 // (an error, ignored, stopped part-way, not read back, not asked for).
@@ -263,6 +332,7 @@ TEST_F(DsdWritingTest, EachWayAWriteCanGoWrongIsSaidInItsOwnWords)
 {
     namespace control = q7sim::control;
     const char *const kWarning = "\nWARNING: Original data not restored, because ";
+    const std::string kKeyUnused = TEXT_KEY_REPLACED "\n";  // each case requests its key
     struct Case {
         const char *what;
         int (*handler)(CalInterfaceHandle);
@@ -273,18 +343,21 @@ TEST_F(DsdWritingTest, EachWayAWriteCanGoWrongIsSaidInItsOwnWords)
     } cases[] = {
         {"original read fails", TestWriteDSDBlock, "100\n2\n1\n1\n",
          [] { control::FailNext("Q7_ReadDSDBytes", 1, "NVM read timed out"); },
-         "\n    Restore contents (1=yes/0=no) ? \nREAD ERROR: NVM read timed out\n", -1},
+         "\n    Restore contents (1=yes/0=no) ? \nREAD ERROR: NVM read timed out\n" + kKeyUnused, -1},
         {"region shorter than its size query", TestWriteDSDRegionByID, "7\n1\n",
          [] { control::ShortRead("Q7_ReadDSDRegionByID", 1, 700); },
-         "\nERROR: The region's size query answered 760 bytes and its read 700 bytes: nothing was written\n", -1},
+         "\nERROR: The region's size query answered 760 bytes and its read 700 bytes: nothing was written\n" + kKeyUnused,
+         -1},
         {"region larger than its size query says", TestWriteDSDRegionByID, "5\n1\n",
          [] { control::SkewOutput("Q7_GetDSDRegionSizeByID", 0, -148); },
-         "\nERROR: The region's size query answered 100 bytes and its read 248 bytes: nothing was written\n", -1},
+         "\nERROR: The region's size query answered 100 bytes and its read 248 bytes: nothing was written\n" + kKeyUnused,
+         -1},
         {"original read short", TestWriteDSDRegionByID, "7\n1\n", [] { control::ShortRead("Q7_ReadDSDRegionByID", 2, 700); },
-         "\nERROR: Only 700 of the 760 bytes of the original contents could be read: nothing was written\n", -1},
+         "\nERROR: Only 700 of the 760 bytes of the original contents could be read: nothing was written\n" + kKeyUnused,
+         -1},
         {"original reads disagree", TestWriteDSDBytes, "100\n4\n1\n1\n",
          [] { control::FlipBitOnRead("Q7_ReadDSDBytes", 2, 0, 0x01); },
-         "\nERROR: The original contents read differently twice: nothing was written\n", -1},
+         "\nERROR: The original contents read differently twice: nothing was written\n" + kKeyUnused, -1},
         {"verification read fails", TestWriteDSDBytes, "100\n4\n1\n1\n3\n77\n1\n",
          [] { control::FailCall("Q7_ReadDSDBytes", 3, "NVM read timed out"); },
          "\nRead 4 bytes from dev data memory\n\nREAD ERROR: NVM read timed out\n" + std::string(kWarning) +

@@ -232,6 +232,8 @@ TEST_F(HandlersTest, DsdReadsAndCopiesTakeWhatIsTypedAndDumpOnlyWhatWasRead)
 
 // A device that takes the NVM mode but stays in another one would have the
 // writes of PART 1 and PART 2 land in the NVM itself: the test stops first.
+// Before that it puts the device in Tx CW, 4 QAM, keeping the CW offset and
+// the loopback transmitter it found.
 TEST_F(HandlersTest, AnNvmModeThatDoesNotTakeEffectStopsTheNvmModeTestBeforeAnyWrite)
 {
     struct Case {
@@ -242,8 +244,10 @@ TEST_F(HandlersTest, AnNvmModeThatDoesNotTakeEffectStopsTheNvmModeTestBeforeAnyW
         {1, 1, "Setting NVM mode = 0\n====================\n\nERROR: The device is in NVM mode 1 after NVM mode 0 was set\n"},
         {0, 2, "Setting NVM mode = 1\n====================\n\nERROR: The device is in NVM mode 0 after NVM mode 1 was set\n"},
     };
+    q7sim::control::RecordCalls();
     for (const Case &c : cases) {
         ASSERT_EQ(Q7_SetOptionByID(hCal, Q7_OPTION_NVM_MODE, c.modeBefore), nullptr);
+        ASSERT_EQ(Q7_SetDeviceMode(hCal, 5, 1, -250, 2), nullptr);
         const std::vector<uint8_t> storesBefore = DsdStores();
         q7sim::control::IgnoreNext("Q7_SetOptionByID", c.ignoredSets);
         HandlerRun run = RunHandler(NvmModeTest, hCal, "0\n");
@@ -251,6 +255,11 @@ TEST_F(HandlersTest, AnNvmModeThatDoesNotTakeEffectStopsTheNvmModeTestBeforeAnyW
         EXPECT_TRUE(EndsWith(run.output, c.tail)) << run.output;
         EXPECT_TRUE(DsdStores() == storesBefore) << "nothing is written";
     }
+    std::vector<LoggedCall> txCwSets;
+    for (const LoggedCall &call : LoggedCallsOf({"Q7_SetDeviceMode"}))
+        if (call.second[0] == 2)
+            txCwSets.push_back(call);
+    EXPECT_EQ(txCwSets, std::vector<LoggedCall>(2, {"Q7_SetDeviceMode", {2, 0, -250, 2}}));
 }
 
 }  // namespace

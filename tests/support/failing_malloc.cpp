@@ -1,0 +1,33 @@
+#include "failing_malloc.h"
+
+#include <cstddef>
+
+namespace {
+
+bool gs_counting = false;
+unsigned gs_counted = 0;
+unsigned gs_failing = 0;
+
+}  // namespace
+
+extern "C" void *__real_malloc(size_t size);
+
+extern "C" void *__wrap_malloc(size_t size)
+{
+    if (gs_counting && ++gs_counted == gs_failing)
+        return nullptr;
+    return __real_malloc(size);
+}
+
+void CountAllocations(unsigned failing)
+{
+    gs_counted = 0;
+    gs_failing = failing;
+    gs_counting = true;
+}
+
+unsigned StopCountingAllocations()
+{
+    gs_counting = false;
+    return gs_counted;
+}
