@@ -5,11 +5,12 @@
 # target only says what is missing (scripts/check-tools.sh).
 # `make install` (PREFIX, DESTDIR), `make deb` (the two Debian packages, in
 # build/) and `make bench` (start-up, write, automated-run and sleep figures)
-# use the Release build. `make fuzz-ci` fuzzes whole sessions for a minute;
+# use the Release build. `make fuzz-ci` fuzzes faulted sessions for a minute,
+# `make fuzz-long HOURS=N` for hours (FUZZ_JOBS parallel jobs, 1 by default);
 # `make memcheck` runs the golden sessions and the prompt walk under valgrind;
 # `make cross-test` runs every test on 32-bit big-endian MIPS under qemu-user.
 # The targets the project's CI runs stop at any compiler warning (Q7_WERROR).
-.PHONY: all run build test cross-test install uninstall deb bench fuzz fuzz-ci memcheck clean deps
+.PHONY: all run build test cross-test install uninstall deb bench fuzz fuzz-ci fuzz-long memcheck clean deps
 
 BUILD_DIR    := build
 TEST_DIR     := build-test
@@ -19,6 +20,8 @@ CROSS_DIR    := build-mips
 PREFIX       := /usr/local
 JOBS         ?= $(shell nproc)
 FUZZ_SECONDS := 60
+HOURS        ?= 1
+FUZZ_JOBS    ?= 1
 
 # Plain `make` builds and runs nothing.
 all: build
@@ -83,14 +86,15 @@ fuzz:
 	       -DCMAKE_C_COMPILER=clang -DCMAKE_CXX_COMPILER=clang++
 	@cmake --build $(FUZZ_DIR) -j $(JOBS) --target q7cal_fuzz
 
-# A bounded run seeded with every golden session and every past finding. New
-# inputs collect in $(FUZZ_DIR)/corpus; a crash is written to $(FUZZ_DIR)/ and
-# fails the run: copy it to tests/fuzz/regressions/ once it is fixed.
+# Faulted sessions (tests/fuzz/faulted_session.h), judged for store safety and
+# for verdicts without a value read back: seeded with tests/fuzz/corpus, the
+# golden sessions and the past regressions (tests/fuzz/fuzz.sh). Prints the
+# sessions run and fails on a finding, whose input is written to $(FUZZ_DIR)/.
 fuzz-ci: fuzz
-	@mkdir -p $(FUZZ_DIR)/corpus $(FUZZ_DIR)/seeds
-	@cp tests/golden/cases/*.in tests/golden/instant/*.in tests/fuzz/regressions/* $(FUZZ_DIR)/seeds/
-	@./$(FUZZ_DIR)/q7cal_fuzz -max_total_time=$(FUZZ_SECONDS) -timeout=10 -print_final_stats=1 \
-	   -artifact_prefix=$(FUZZ_DIR)/ $(FUZZ_DIR)/corpus $(FUZZ_DIR)/seeds
+	@tests/fuzz/fuzz.sh $(FUZZ_DIR) $(FUZZ_SECONDS) 1
+
+fuzz-long: fuzz
+	@tests/fuzz/fuzz.sh $(FUZZ_DIR) $$(($(HOURS) * 3600)) $(FUZZ_JOBS)
 
 # Unsanitized debug build under valgrind: every golden session and the prompt
 # walk, with no leak and no memory error.

@@ -60,16 +60,6 @@ void SimulatedDeviceTest::TearDown() { q7sim::control::Reset(); }
 
 q7sim::Device &SimulatedDeviceTest::device() { return *q7sim::control::OpenDevice(); }
 
-std::vector<uint8_t> DsdStoresOf(q7sim::Device &device)
-{
-    std::vector<uint8_t> stores;
-    for (uint32_t section = 0; section < q7sim::Nvm::kSectionCount; section++)
-        stores.insert(stores.end(), device.dsd.nvm.Section(section),
-                      device.dsd.nvm.Section(section) + q7sim::Nvm::kSectionSize);
-    stores.insert(stores.end(), device.dsd.buffer(), device.dsd.buffer() + q7sim::Dsd::kBufferSize);
-    return stores;
-}
-
 std::vector<LoggedCall> LoggedCallsOf(const std::vector<std::string> &operations)
 {
     const std::vector<std::string> &calls = q7sim::control::Calls();

@@ -12,6 +12,7 @@
 
 #include "Device.h"
 #include "Q7CalAPI.h"
+#include "store_safety.h"
 
 // What `body` printed while reading `input` (a fresh input stream: the
 // console's end-of-input state is reset first).
@@ -24,9 +25,6 @@ struct HandlerRun {
 
 // Calls the handler with the handle, answering its prompts from `input`.
 HandlerRun RunHandler(int (*handler)(CalInterfaceHandle), CalInterfaceHandle hCal, const std::string &input = "");
-
-// Every DSD store of the device: the NVM sections, then the DSD buffer.
-std::vector<uint8_t> DsdStoresOf(q7sim::Device &device);
 
 // A factory-fresh simulated device, opened and connected; reset afterwards.
 class SimulatedDeviceTest : public ::testing::Test {
