@@ -142,12 +142,13 @@ shown = q7cal.wait_for("\r" + MENU)
 if "WARNING: Original data not restored, because the command was interrupted." not in shown:
     fail("Ctrl-C after a region write: no WARNING that the command was interrupted:", shown.encode())
 
-# The words typed after a menu choice are dropped at the automated run's
-# first pause, which waits for the engineer: Ctrl-C there abandons the run
-# before its second group.
+# What is typed ahead of the automated run's first pause, which waits for the
+# engineer, is dropped there: the words after the menu choice, which the
+# editor holds, and the Enter after them, which the terminal still holds.
+# Ctrl-C at the pause abandons the run before its second group.
 q7cal.type("-1\r")
 q7cal.prompt(MENU, "9\r")
-q7cal.prompt(MENU, "2 5\r")
+q7cal.prompt(MENU, "2 5\r\r")
 q7cal.wait_for("Press Enter to continue")
 q7cal.type("\x03")
 shown = q7cal.wait_for("\r" + MENU)
