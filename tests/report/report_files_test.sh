@@ -118,19 +118,20 @@ assert [s.errors for s in suites] == [0, 1, 1], [s.errors for s in suites]
 PY
 grep -q '<div id="verdict" class="error">ERROR</div>' "$scratch/batch.html" || fail "the batch's page does not say ERROR"
 
-# Identities: text that is no UTF-8 is refused; a barcode's group separator
-# is kept in the JSON and shown by its picture where XML cannot carry it.
+# Identities: text that is no UTF-8 is refused; a barcode's group separator,
+# and a DEL a backspace key left, are kept in the JSON and shown by their
+# pictures where XML cannot carry them.
 "$report" --operator=$'Jos\xe9' --json="$scratch/jose.json" <"$golden/healthy_run.in" >/dev/null 2>"$scratch/err"
 [ $? -eq 2 ] && [ "$(wc -l <"$scratch/err")" -eq 1 ] && [ ! -e "$scratch/jose.json" ] ||
   fail "an operator that is no UTF-8: $(cat "$scratch/err")"
-"$report" --unit=$'SN42\x1d10LOT7' --junit="$scratch/gs1.xml" --json="$scratch/gs1.json" --html="$scratch/gs1.html" \
+"$report" --unit=$'SN42\x1d10LOT7\x7f' --junit="$scratch/gs1.xml" --json="$scratch/gs1.json" --html="$scratch/gs1.html" \
   <"$golden/healthy_run.in" >/dev/null 2>&1 || fail "a unit named by a GS1 barcode does not pass"
 xmllint --noout --schema "$here/JUnit.xsd" "$scratch/gs1.xml" 2>/dev/null || fail "a GS1 barcode breaks the JUnit file"
 xmllint --noout --html "$scratch/gs1.html" 2>/dev/null || fail "a GS1 barcode breaks the page"
 /usr/bin/python3 - "$scratch/gs1.json" "$scratch/gs1.xml" <<'PY' || fail "a GS1 barcode is not kept"
 import json, sys, junitparser
-assert json.load(open(sys.argv[1]))["units"][0]["unit"]["id"] == "SN42\x1d10LOT7"
-assert next(iter(junitparser.JUnitXml.fromfile(sys.argv[2]))).name.startswith("SN42\u241d10LOT7")
+assert json.load(open(sys.argv[1]))["units"][0]["unit"]["id"] == "SN42\x1d10LOT7\x7f"
+assert next(iter(junitparser.JUnitXml.fromfile(sys.argv[2]))).name.startswith("SN42\u241d10LOT7\u2421")
 PY
 
 # Files written whole or not at all: an output may not replace an input; "-"
