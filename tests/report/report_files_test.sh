@@ -121,7 +121,7 @@ grep -q '<div id="verdict" class="error">ERROR</div>' "$scratch/batch.html" || f
 # Identities: text that is no UTF-8 is refused; a barcode's group separator,
 # and a DEL a backspace key left, are kept in the JSON and shown by their
 # pictures where XML cannot carry them.
-"$report" --operator=$'Jos\xe9' --json="$scratch/jose.json" <"$golden/healthy_run.in" >/dev/null 2>"$scratch/err"
+"$report" --operator=$'Jos\xe9 Ruiz' --json="$scratch/jose.json" <"$golden/healthy_run.in" >/dev/null 2>"$scratch/err"
 [ $? -eq 2 ] && [ "$(wc -l <"$scratch/err")" -eq 1 ] && [ ! -e "$scratch/jose.json" ] ||
   fail "an operator that is no UTF-8: $(cat "$scratch/err")"
 "$report" --unit=$'SN42\x1d10LOT7\x7f' --junit="$scratch/gs1.xml" --json="$scratch/gs1.json" --html="$scratch/gs1.html" \
