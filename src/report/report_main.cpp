@@ -23,6 +23,15 @@ using namespace q7report;
 
 namespace {
 
+// Standard output flushed and never failed; a failure is said.
+bool StandardOutputWritten()
+{
+    if (std::fflush(stdout) == 0 && !std::ferror(stdout))
+        return true;
+    std::fprintf(stderr, "q7cal-report: cannot write standard output: %s\n", std::strerror(errno));
+    return false;
+}
+
 // The history's place as it may be shown: a server's password left out.
 std::string Shown(const std::string &where)
 {
@@ -60,7 +69,7 @@ int SayHistory(const Options &options)
     if (!options.htmlFile.empty() && (!ReadPlotLibrary(plotLibrary, plotStyle) ||
                                       !WriteFile(options.htmlFile, HistoryPage(history, filter, plotLibrary, plotStyle))))
         status = kTrouble;
-    return std::fflush(stdout) == 0 ? status : kTrouble;
+    return StandardOutputWritten() ? status : kTrouble;
 }
 
 // The report files asked for, each written unit by unit.
@@ -199,7 +208,7 @@ int JudgeUnits(Options &options)
         return kTrouble;
     if (options.printLimits) {
         std::fputs(limits->Json().c_str(), stdout);
-        return std::fflush(stdout) == 0 ? kAllPassed : kTrouble;
+        return StandardOutputWritten() ? kAllPassed : kTrouble;
     }
     std::string plotLibrary, plotStyle;
     if (!FilesAreApart(options) || (!options.htmlFile.empty() && !ReadPlotLibrary(plotLibrary, plotStyle)))
@@ -236,7 +245,7 @@ int JudgeUnits(Options &options)
     }
     if (!files.Commit())
         status = kTrouble;
-    if (std::fflush(stdout) != 0)
+    if (!StandardOutputWritten())
         status = kTrouble;
     // The history last: whatever happens to it, every unit has been judged
     // and its files written, and its record waits in the spool.

@@ -134,11 +134,19 @@ assert json.load(open(sys.argv[1]))["units"][0]["unit"]["id"] == "SN42\x1d10LOT7
 assert next(iter(junitparser.JUnitXml.fromfile(sys.argv[2]))).name.startswith("SN42\u241d10LOT7\u2421")
 PY
 
-# Files written whole or not at all: an output may not replace an input; "-"
-# is standard output; a file-size limit leaves the previous file as it was.
+# Files written whole or not at all: an output may not replace an input; a
+# summary to a reader that has gone is an output error; "-" is standard
+# output; a file-size limit leaves the previous file as it was.
 cp "$golden/healthy_run.in" "$scratch/SN1.log"
 "$report" --json="$scratch/SN1.log" "$scratch/SN1.log" >/dev/null 2>"$scratch/err"
 [ $? -eq 2 ] && cmp -s "$scratch/SN1.log" "$golden/healthy_run.in" || fail "an output that names its input: $(cat "$scratch/err")"
+/usr/bin/python3 - "$report" "$golden/healthy_run.in" <<'PY' || fail "a summary to a reader that has gone is not an output error"
+import os, subprocess, sys
+read, write = os.pipe()
+os.close(read)
+run = subprocess.run([sys.argv[1]], stdin=open(sys.argv[2]), stdout=write, stderr=subprocess.PIPE)
+assert run.returncode == 2 and run.stderr == b"q7cal-report: cannot write standard output: Broken pipe\n", run
+PY
 "$report" --json=- <"$golden/healthy_run.in" 2>"$scratch/err" | /usr/bin/python3 -c 'import json, sys; json.load(sys.stdin)' ||
   fail "--json=- is not JSON on standard output"
 grep -q '^q7cal-report: PASS unit' "$scratch/err" || fail "with --json=-, the summary is not on standard error"
