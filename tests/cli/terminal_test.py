@@ -111,7 +111,7 @@ q7cal.prompt(TX_SELECTOR, "1\r")
 # and asked again; then -20, typed with a slip mended (backspace,
 # and a 2 put in with the left arrow), reaches the device.
 q7cal.prompt(MENU, "4\r")
-for lookalike in ("\u221220", "2\u00a00", "\uff12\uff10", "20\u07ff"):
+for lookalike in ("\u221220", "2\u00a00", "\uff12\uff10", "\U0001d7d0\U0001d7ce", "20\u07ff"):
     q7cal.prompt(TX_POWER, lookalike + "\r")
     shown = q7cal.wait_for("Please enter a number.")
     if "Not a number." not in shown or "SUCCESSFUL" in shown:
