@@ -14,7 +14,7 @@ CPU_TIME=build/bench_cpu_time
 GOAL_RATIO=1.5
 
 # The reference tool and GNU time, from Debian's packages: named, not installed.
-scripts/check-tools.sh --bench >&2 || exit 1
+scripts/check-tools.sh bench >&2 || exit 1
 I2CGET=$(command -v i2cget)
 
 work=$(mktemp -d)
