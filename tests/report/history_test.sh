@@ -115,14 +115,16 @@ PY
     shift
     report --history --db="$db" "$@" --json="$scratch/span.json" >/dev/null || fail "$db $*: status $?"
     /usr/bin/python3 -c 'import json,sys; t=json.load(open(sys.argv[1]))["total"]
-got = (t["units"], t["runs"], t["retests"], t["first_tested"], t["first_passed"], t["finally_passed"])
+hot = sum(f["failures"] for f in json.load(open(sys.argv[1]))["failures"] if f["name"] == "GetTemperature: Temperature")
+got = (t["units"], t["runs"], t["retests"], t["first_tested"], t["first_passed"], t["finally_passed"], hot)
 assert got == eval(sys.argv[2]), got' "$scratch/span.json" "$want" || fail "$db $*: figures"
   }
-  span "(4, 4, 2, 2, 1, 2)" --since=2026-11-21 --until=2026-11-21
+  # The figures, and the temperature's failures in the span's runs.
+  span "(4, 4, 2, 2, 1, 2, 1)" --since=2026-11-21 --until=2026-11-21
   # A span to the second, ending with a whole day; the tool's own format, and an offset.
-  span "(4, 5, 2, 3, 1, 2)" --since=2026-11-20T10:15:00 --until=2026-11-21
-  span "(1, 1, 0, 1, 0, 0)" --since=2026-11-21T09:25:00.000Z --until=2026-11-21T09:30:00Z
-  span "(1, 1, 0, 1, 0, 0)" --since=2026-11-21T10:25:00+01:00 --until=2026-11-22
+  span "(4, 5, 2, 3, 1, 2, 2)" --since=2026-11-20T10:15:00 --until=2026-11-21
+  span "(1, 1, 0, 1, 0, 0, 0)" --since=2026-11-21T09:25:00.000Z --until=2026-11-21T09:30:00Z
+  span "(1, 1, 0, 1, 0, 0, 0)" --since=2026-11-21T10:25:00+01:00 --until=2026-11-22
   report --history --db="$1" --unit=SN2 >"$scratch/unit.txt"
   [ "$(grep -c 'PASS\|FAIL' "$scratch/unit.txt")" = 2 ] && grep -q 'FAIL     4 (first: ' "$scratch/unit.txt" ||
     fail "$1: --unit=SN2: $(cat "$scratch/unit.txt")"
