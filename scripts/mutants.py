@@ -241,6 +241,11 @@ def run(command, cwd, log, timeout):
             return subprocess.run(command, cwd=cwd, stdout=out, stderr=subprocess.STDOUT, timeout=timeout).returncode
         except subprocess.TimeoutExpired:
             return -1
+        finally:
+            # A mutant that loops and ignores SIGTERM outlives the test that
+            # started it: nothing of the tree's builds may run on into the
+            # next mutant (or a bench).
+            subprocess.run(["pkill", "-KILL", "-f", "^" + os.path.abspath(cwd) + "/build"])
 
 
 def failed_tests(log):
