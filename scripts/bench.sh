@@ -130,7 +130,8 @@ HISTORY_GOAL_MS=200
 now_ms() { echo $(($(date +%s%N) / 1000000)); }
 
 # Appending a unit against judging it: q7cal-report on one transcript with
-# and without --db; the difference is the append. LABEL DATABASE.
+# and without --db; the difference is the append. The bench's records wait
+# in a spool of its own, never behind the user's. LABEL DATABASE.
 history_append() {
   local i start
   : >"$work/judge"
@@ -140,7 +141,7 @@ history_append() {
     "$REPORT" "$GOLDEN/healthy_run.in" >/dev/null
     echo $(($(now_ms) - start)) >>"$work/judge"
     start=$(now_ms)
-    "$REPORT" --db="$2" --unit="A$i" "$GOLDEN/healthy_run.in" >/dev/null
+    "$REPORT" --db="$2" --spool="$work/spool" --unit="A$i" "$GOLDEN/healthy_run.in" >/dev/null
     echo $(($(now_ms) - start)) >>"$work/append"
   done
   local judge append cost
@@ -185,8 +186,8 @@ history_query() {
     cp "$GOLDEN/${kinds[i % 4]}.in" "$work/unit.log"
     touch -d "2026-10-$(printf %02d $((1 + i % 30)))T10:00:00Z" "$work/unit.log"
     # A failing unit is judged so (status 1), and kept all the same.
-    "$REPORT" --db="$database" --unit="U$((i - i / 10))" --station="ST$((i % 5))" "$work/unit.log" >/dev/null 2>&1 ||
-      [ $? -eq 1 ]
+    "$REPORT" --db="$database" --spool="$work/spool" --unit="U$((i - i / 10))" --station="ST$((i % 5))" \
+      "$work/unit.log" >/dev/null 2>&1 || [ $? -eq 1 ] || { echo "bench: U$i was not appended to $database" >&2; exit 1; }
   done
   replicate_units | $run_sql
   : >"$work/query"
