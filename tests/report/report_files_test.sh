@@ -118,6 +118,17 @@ assert [s.errors for s in suites] == [0, 1, 1], [s.errors for s in suites]
 PY
 grep -q '<div id="verdict" class="error">ERROR</div>' "$scratch/batch.html" || fail "the batch's page does not say ERROR"
 
+# A line past 64 KiB is cut there: the failure of an unexpected one quotes
+# 65,536 bytes of it.
+/usr/bin/python3 - "$report" "$golden/healthy_run.in" <<'PY' || fail "a line past 64 KiB is not cut there"
+import json, subprocess, sys
+lines = open(sys.argv[2]).read().split("\n")
+lines.insert(300, "x" * 70000)
+run = subprocess.run([sys.argv[1], "--json=-"], input="\n".join(lines).encode(), capture_output=True)
+checks = json.loads(run.stdout)["units"][0]["checks"]
+assert [c["message"] for c in checks if c["type"] == "unexpected line"] == ["unexpected line 301: " + "x" * 65536]
+PY
+
 # Identities: text that is no UTF-8 is refused; a barcode's group separator,
 # and a DEL a backspace key left, are kept in the JSON and shown by their
 # pictures where XML cannot carry them.
