@@ -158,6 +158,9 @@ TEST_P(PromptWalk, EveryPromptSurvivesEndOfInputJunkEmptyLinesAndHugeNumbers)
                 MenuRun ended = RunThroughMenu(row, filler, at, std::nullopt, "end of input");
                 EXPECT_TRUE(ended.inputEnded && !ended.session.runaway) << where << ", end of input";
                 EXPECT_EQ(ended.deviceCalls, prompts[k].deviceCalls) << where << ": device called after end of input";
+                if (!goesOn) {
+                    EXPECT_EQ(RunHandlerAbandonedAt(row, filler, at), -1) << where << ": the handler's result";
+                }
                 promptsSeen.insert(PromptLine(plain.session.output, prompts[k].printed) + "|choice");
                 cases += 4;
                 continue;
