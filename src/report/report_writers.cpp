@@ -3,6 +3,7 @@
 #include <climits>
 #include <cstdio>
 #include <sstream>
+#include <utility>
 
 #include <tinyxml2.h>
 
@@ -258,10 +259,12 @@ std::string JunitXml(const std::vector<UnitRecord> &records, const RunContext &c
     return out.str();
 }
 
-std::string JsonDocument(const std::vector<UnitRecord> &records, const RunContext &context)
+// A writer that ends with the batch's verdict, given every record at once.
+template <class Writer, class... Arguments>
+std::string WholeDocument(const std::vector<UnitRecord> &records, Arguments &&...arguments)
 {
     std::ostringstream out;
-    JsonWriter writer(out, context);
+    Writer writer(out, std::forward<Arguments>(arguments)...);
     BatchVerdict verdict;
     for (const UnitRecord &record : records) {
         writer.Add(record);
@@ -271,18 +274,15 @@ std::string JsonDocument(const std::vector<UnitRecord> &records, const RunContex
     return out.str();
 }
 
+std::string JsonDocument(const std::vector<UnitRecord> &records, const RunContext &context)
+{
+    return WholeDocument<JsonWriter>(records, context);
+}
+
 std::string HtmlPage(const std::vector<UnitRecord> &records, const RunContext &context,
                      const std::string &plotLibrary, const std::string &plotStyle)
 {
-    std::ostringstream out;
-    HtmlWriter writer(out, context, plotLibrary, plotStyle);
-    BatchVerdict verdict;
-    for (const UnitRecord &record : records) {
-        writer.Add(record);
-        verdict.Add(record);
-    }
-    writer.End(verdict);
-    return out.str();
+    return WholeDocument<HtmlWriter>(records, context, plotLibrary, plotStyle);
 }
 
 }  // namespace q7report
