@@ -215,14 +215,16 @@ for span in --since=2026-02-30 --since=2026-13-01 --until=2026-11-21T25:00:00 "-
   report --history --db="$db" $span >/dev/null 2>"$scratch/err"
   [ $? -eq 2 ] && [ "$(wc -l <"$scratch/err")" -eq 1 ] || fail "$span: $(cat "$scratch/err")"
 done
-# A reader who may not write the file or its folder reads it.
+# A reader who may not write the file or its folder reads it (with a copy of
+# the program: the build's folder may be closed to other users).
 mkdir "$scratch/shelf"
 cp "$db" "$scratch/shelf/station.db"
+cp "$report" "$scratch/viewer-report"
 chmod 755 "$scratch"
 chmod 555 "$scratch/shelf"
 chmod 444 "$scratch/shelf/station.db"
 report --history --db="$db" >"$scratch/station.txt"
-runuser -u nobody -- "$report" --history --db="$scratch/shelf/station.db" >"$scratch/viewer.txt" 2>&1 &&
+runuser -u nobody -- "$scratch/viewer-report" --history --db="$scratch/shelf/station.db" >"$scratch/viewer.txt" 2>&1 &&
   diff -q "$scratch/station.txt" "$scratch/viewer.txt" >/dev/null || fail "a reader without write access: $(cat "$scratch/viewer.txt")"
 /usr/bin/python3 - "$db" <<'PY' &
 import sqlite3, sys, time
