@@ -5,6 +5,7 @@
 
 #include <signal.h>
 
+#include <cstdlib>
 #include <fstream>
 #include <functional>
 #include <sstream>
@@ -318,6 +319,26 @@ TEST_F(AutomatedTestTest, ASignalEndsTheRunAtItsNextPauseWithTheModePoppedBack)
     EXPECT_FALSE(Contains(run.output, "Press Enter")) << "no pause waits once the signal came";
     EXPECT_FALSE(Contains(run.output, "Testing GetRxAntConfig")) << "the groups after it are abandoned";
     ExpectMode(0, 0, 0, 0);
+}
+
+// The engineer insisting: a second SIGINT, while the first one's restore is
+// being made, ends the program at once, by the signal.
+TEST_F(AutomatedTestTest, ASecondSigintEndsTheProgramAtOnce)
+{
+    EXPECT_EXIT(
+        {
+            CatchStopSignalsInTest();
+            q7sim::control::OnEveryCall([raised = 0](const std::string &operation) mutable {
+                if (raised == 1 || (raised == 0 && operation == "Q7_SetBandConfig")) {
+                    raised++;
+                    raise(SIGINT);
+                }
+            });
+            ForgetSleeps();
+            (void)RunHandler(AutomatedTest, hCal, kRunAnswers);
+            std::exit(0);
+        },
+        ::testing::KilledBySignal(SIGINT), "");
 }
 
 // Once the session has ended the run sends only what puts the device back

@@ -216,24 +216,41 @@ for span in --since=2026-02-30 --since=2026-13-01 --until=2026-11-21T25:00:00 "-
   [ $? -eq 2 ] && [ "$(wc -l <"$scratch/err")" -eq 1 ] || fail "$span: $(cat "$scratch/err")"
 done
 # A reader who may not write the file or its folder reads it (with a copy of
-# the program: the build's folder may be closed to other users).
-mkdir "$scratch/shelf"
-cp "$db" "$scratch/shelf/station.db"
+# the program: the build's folder may be closed to other users), in a folder
+# whose name holds the marks a file URI gives a meaning to.
+shelf="$scratch/shelf #1?%"
+mkdir "$shelf"
+cp "$db" "$shelf/station.db"
 cp "$report" "$scratch/viewer-report"
 chmod 755 "$scratch"
-chmod 555 "$scratch/shelf"
-chmod 444 "$scratch/shelf/station.db"
+chmod 555 "$shelf"
+chmod 444 "$shelf/station.db"
 report --history --db="$db" >"$scratch/station.txt"
-runuser -u nobody -- "$scratch/viewer-report" --history --db="$scratch/shelf/station.db" >"$scratch/viewer.txt" 2>&1 &&
+runuser -u nobody -- "$scratch/viewer-report" --history --db="$shelf/station.db" >"$scratch/viewer.txt" 2>&1 &&
   diff -q "$scratch/station.txt" "$scratch/viewer.txt" >/dev/null || fail "a reader without write access: $(cat "$scratch/viewer.txt")"
 /usr/bin/python3 - "$db" <<'PY' &
 import sqlite3, sys, time
 db = sqlite3.connect(sys.argv[1], isolation_level=None)
 db.execute("BEGIN IMMEDIATE")
-time.sleep(8)
+time.sleep(10)
 PY
 holder=$!
 sleep 1
+# A signal while the lock is waited for, after the unit's file is in place:
+# the file stays, and so does every file beside it.
+mkdir -p "$scratch/desk/reports"
+touch "$scratch/desk/r"
+(cd "$scratch/desk" && exec "$report" --spool="$scratch/desk/spool" --db="$db" --unit=SIGNALLED \
+  --json=reports/unit.json "$golden/healthy_run.in" >/dev/null 2>&1) &
+signalled=$!
+for _ in $(seq 100); do
+  [ -f "$scratch/desk/reports/unit.json" ] && break
+  sleep 0.05
+done
+kill -TERM $signalled
+wait $signalled
+[ $? -eq 143 ] && [ -f "$scratch/desk/reports/unit.json" ] && [ -f "$scratch/desk/r" ] ||
+  fail "a signal after the files were written: $(ls -A "$scratch/desk" "$scratch/desk/reports")"
 # A lock met at the append: the unit is judged and said, its record waits in
 # the spool, and the next run after the lock appends it, once.
 report --db="$db" --unit=LOCKED "$golden/healthy_run.in" >"$scratch/out" 2>"$scratch/err"
