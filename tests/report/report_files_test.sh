@@ -164,6 +164,9 @@ PY
   fail "--json=- is not JSON on standard output"
 grep -q '^q7cal-report: PASS unit' "$scratch/err" || fail "with --json=-, the summary is not on standard error"
 [ ! -e ./- ] || fail "--json=- made a file named -"
+# A device is written as it is, not replaced.
+"$report" --junit=/dev/null <"$golden/healthy_run.in" >/dev/null 2>"$scratch/err" &&
+  [ -c /dev/null ] || fail "/dev/null as an output: $(cat "$scratch/err")"
 "$report" --json="$scratch/kept.json" <"$golden/healthy_run.in" >/dev/null 2>&1
 cp "$scratch/kept.json" "$scratch/kept.before"
 (ulimit -f 8; exec "$report" --json="$scratch/kept.json" <"$golden/stuck_led.in") >/dev/null 2>"$scratch/err"

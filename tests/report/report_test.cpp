@@ -8,6 +8,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <cstdio>
 #include <fstream>
 #include <nlohmann/json.hpp>
 #include <sstream>
@@ -587,6 +588,15 @@ TEST(ReportTest, HistoryTimesAreIso8601AndImpossibleOnesAreRefused)
         ASSERT_TRUE(start && end) << c.text;
         EXPECT_EQ(*start, c.start) << c.text;
         EXPECT_EQ(*end, c.end) << c.text;
+    }
+    // Every month's last day, and none after it.
+    const int lastDays[] = {31, 28, 31, 30, 31, 30, 31, 31, 30, 31, 30, 31};
+    for (int month = 1; month <= 12; month++) {
+        char last[32], after[32];
+        std::snprintf(last, sizeof last, "2026-%02d-%02d", month, lastDays[month - 1]);
+        std::snprintf(after, sizeof after, "2026-%02d-%02d", month, lastDays[month - 1] + 1);
+        EXPECT_TRUE(q7report::ParseHistoryTime(last, false).has_value()) << last;
+        EXPECT_FALSE(q7report::ParseHistoryTime(after, false).has_value()) << after;
     }
     EXPECT_EQ(q7report::UtcTime(day + 36005250), "2026-11-25T10:00:05.250Z");
 }
