@@ -94,6 +94,7 @@ sed '/"Temperature"/,/}/ s/"low": 30.0/"low": 50.0/; /"Temperature"/,/}/ s/"high
 expect 1 "Temperature = 33 C is outside its limits 50 to 60 C" --limits="$scratch/hot-limits.json"
 sed 's/"Temperature"/"Temprature"/' "$scratch/limits.json" >"$scratch/bad-limits.json"
 expect 2 '"Temprature" is no quantity the automated run measures' --limits "$scratch/bad-limits.json"
+expect 2 "^q7cal-report: cannot read $scratch/no-limits.json: No such file or directory$" --limits="$scratch/no-limits.json"
 expect 0 "" --unit=SN1042 -- -
 grep -q '^q7cal-report: PASS unit SN1042 (simulated device) from standard input' "$scratch/out" ||
   fail "--unit does not name the unit: $(cat "$scratch/out")"
