@@ -128,6 +128,7 @@ assert got == eval(sys.argv[2]), got' "$scratch/span.json" "$want" || fail "$db 
   report --history --db="$1" --unit=SN2 >"$scratch/unit.txt"
   [ "$(grep -c 'PASS\|FAIL' "$scratch/unit.txt")" = 2 ] && grep -q 'FAIL     4 (first: ' "$scratch/unit.txt" ||
     fail "$1: --unit=SN2: $(cat "$scratch/unit.txt")"
+  report --history --db="$1" --unit=SN8 | grep -q ' MARGINAL ' || fail "$1: --unit=SN8 does not show its marginal pass"
   for unit in SN2 SN8; do report --history --db="$1" --unit=$unit --json="$scratch/$unit.json" >/dev/null; done
   /usr/bin/python3 - "$scratch/SN2.json" "$scratch/SN8.json" <<'PY' || fail "$1: a unit's runs in JSON"
 import json, sys
