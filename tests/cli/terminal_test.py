@@ -109,9 +109,11 @@ q7cal.prompt(TX_SELECTOR, "1\r")
 # Set Tx output power: answers that look like -20 or 20 but are not numbers
 # are shown as typed (a \U+ code for each character beyond ASCII), refused
 # and asked again; then -20, typed with a slip mended (backspace,
-# and a 2 put in with the left arrow), reaches the device.
+# and a 2 put in with the left arrow), reaches the device. The bold 0020 is
+# the longest line yet, in four-byte characters: the line's buffer grows to it.
 q7cal.prompt(MENU, "4\r")
-for lookalike in ("\u221220", "2\u00a00", "\uff12\uff10", "\U0001d7d0\U0001d7ce", "20\u07ff"):
+for lookalike in ("\u221220", "2\u00a00", "\uff12\uff10", "\U0001d7d0\U0001d7ce", "20\u07ff",
+                  "\U0001d7ce\U0001d7ce\U0001d7d0\U0001d7ce"):
     q7cal.prompt(TX_POWER, lookalike + "\r")
     shown = q7cal.wait_for("Please enter a number.")
     if "Not a number." not in shown or "SUCCESSFUL" in shown:
