@@ -96,11 +96,12 @@ shown = q7cal.wait_for("GetBandConfig was SUCCESSFUL.")
 if "Sorry. Invalid option selected." in shown or "GetBandConfig:" not in shown:
     fail("the up arrow did not recall the answer 5:", shown.encode())
 
-# 1 and then F5, whose sequence the editor does not bind: entry 1 (Get Tx
-# attenuator settings) runs, not 15, and the bell says the key did nothing.
+# 1 and then F5 and a key whose sequence has a private parameter ("?"),
+# which the editor does not bind: entry 1 (Get Tx attenuator settings) runs,
+# not 15, and the bell says the keys did nothing.
 q7cal.prompt(MENU, "-1\r")
 q7cal.prompt(MENU, "3\r")
-q7cal.prompt(MENU, "1\x1b[15~\r")
+q7cal.prompt(MENU, "1\x1b[15~\x1b[?5~\r")
 shown = q7cal.wait_for(TX_SELECTOR)
 if "\a" not in shown or "5~" in shown:
     fail("F5 was not dropped with the bell:", shown.encode())
@@ -120,6 +121,11 @@ for lookalike in ("\u221220", "2\u00a00", "\uff12\uff10", "\U0001d7d0\U0001d7ce"
         fail("%r was not refused:" % lookalike, shown.encode())
     if "".join(c if c < "\x80" else "\\U+%04X" % ord(c) for c in lookalike) not in shown:
         fail("%r was not shown as typed:" % lookalike, shown.encode())
+# The last code point is a character like any other, not a broken sequence.
+q7cal.prompt(TX_POWER, "20\U0010ffff\r")
+shown = q7cal.wait_for("Please enter a number.")
+if "\ufffd" in shown or "\\U+FFFD" in shown or "SUCCESSFUL" in shown:
+    fail("U+10FFFF was taken for a broken sequence:", shown.encode())
 q7cal.prompt(TX_POWER, "-0x\x7f\x1b[D2\r")
 q7cal.wait_for("SetTxOutputPower was SUCCESSFUL.")
 q7cal.prompt(MENU, "3\r")
