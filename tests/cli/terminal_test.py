@@ -96,12 +96,13 @@ shown = q7cal.wait_for("GetBandConfig was SUCCESSFUL.")
 if "Sorry. Invalid option selected." in shown or "GetBandConfig:" not in shown:
     fail("the up arrow did not recall the answer 5:", shown.encode())
 
-# 1 and then F5 and a key whose sequence has a private parameter ("?"),
-# which the editor does not bind: entry 1 (Get Tx attenuator settings) runs,
-# not 15, and the bell says the keys did nothing.
+# 1 and then F5, a key whose sequence has a private parameter ("?") and a
+# lone Esc, which the editor does not bind: entry 1 (Get Tx attenuator
+# settings) runs, not 15, and the bell says the keys did nothing. The Enter
+# after the Esc ends the line, not the sequence.
 q7cal.prompt(MENU, "-1\r")
 q7cal.prompt(MENU, "3\r")
-q7cal.prompt(MENU, "1\x1b[15~\x1b[?5~\r")
+q7cal.prompt(MENU, "1\x1b[15~\x1b[?5~\x1b\r")
 shown = q7cal.wait_for(TX_SELECTOR)
 if "\a" not in shown or "5~" in shown:
     fail("F5 was not dropped with the bell:", shown.encode())

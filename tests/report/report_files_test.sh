@@ -48,9 +48,12 @@ live_healthy_run() {
     sed -n '301,$p' "$golden/healthy_run.in"
   } | "$report" --json="$scratch/live.json" >/dev/null || return 1
   /usr/bin/python3 - "$scratch/live.json" <<'PY'
-import json, sys
+import datetime, json, sys
 unit = json.load(open(sys.argv[1]))["units"][0]
 assert unit["context"]["timed"] and unit["context"]["seconds"] >= 0.3, unit["context"]
+started = datetime.datetime.strptime(unit["context"]["start_time"], "%Y-%m-%dT%H:%M:%S.%fZ")
+now = datetime.datetime.now(datetime.timezone.utc).replace(tzinfo=None)
+assert abs((now - started).total_seconds()) < 600, unit["context"]  # when its first line came
 assert max(check["seconds"] for check in unit["checks"]) >= 0.3
 PY
 }
@@ -165,6 +168,12 @@ PY
   fail "--json=- is not JSON on standard output"
 grep -q '^q7cal-report: PASS unit' "$scratch/err" || fail "with --json=-, the summary is not on standard error"
 [ ! -e ./- ] || fail "--json=- made a file named -"
+# A one-letter host name is the host's name as it stands.
+if [ "$(id -u)" = 0 ] && unshare --uts true 2>/dev/null; then
+  unshare --uts sh -c 'hostname q && exec "$1" --json=- <"$2"' sh "$report" "$golden/healthy_run.in" 2>/dev/null |
+    /usr/bin/python3 -c 'import json, sys; assert json.load(sys.stdin)["units"][0]["context"]["hostname"] == "q"' ||
+    fail "a one-letter host name"
+fi
 # A device is written as it is, not replaced.
 "$report" --junit=/dev/null <"$golden/healthy_run.in" >/dev/null 2>"$scratch/err" &&
   [ -c /dev/null ] || fail "/dev/null as an output: $(cat "$scratch/err")"

@@ -425,6 +425,21 @@ TEST(ReportTest, TheUnitIsNamedAndEveryValueAndListRecordedOnce)
     EXPECT_DOUBLE_EQ(byName["Rx spectrum"]->values[17], 12.3);
     EXPECT_EQ(byName["LCTrimArray"]->values.size(), 12u);
     EXPECT_EQ(byName["Tx Ext Attn Step"]->values.size(), 20u);
+    // A list one entry short says so.
+    const std::vector<std::string> lines = HealthyLines();
+    const size_t lastTrim = std::find(lines.begin(), lines.end(), "LCTrimArray[11] = 42") - lines.begin();
+    ASSERT_LT(lastTrim, lines.size());
+    const UnitRecord shortList = JudgeEdited(lines, lastTrim, {});
+    const Check *trim = Find(shortList, "Calibrate LC Trim: LCTrimArray");
+    ASSERT_NE(trim, nullptr);
+    EXPECT_NE(trim->message.find(" gives 11 entries, 12 planned"), std::string::npos) << trim->message;
+    // A count of 0 is a count: the twelve entries after it are too many.
+    const size_t count = std::find(lines.begin(), lines.end(), " #Frequency=12") - lines.begin();
+    ASSERT_LT(count, lines.size());
+    const UnitRecord none = JudgeEdited(lines, count, {" #Frequency=0"});
+    const Check *noTrim = Find(none, "Calibrate LC Trim: LCTrimArray");
+    ASSERT_NE(noTrim, nullptr);
+    EXPECT_NE(noTrim->message.find(" gives 12 entries, 0 planned"), std::string::npos) << noTrim->message;
     EXPECT_DOUBLE_EQ(byName["Rx spectrum peak"]->values[0], 52.6);
     EXPECT_DOUBLE_EQ(byName["Temperature"]->values[0], 33);
     EXPECT_EQ(byName["Temperature"]->classname, "automated.Other commands");
