@@ -174,9 +174,17 @@ if [ "$(id -u)" = 0 ] && unshare --uts true 2>/dev/null; then
     /usr/bin/python3 -c 'import json, sys; assert json.load(sys.stdin)["units"][0]["context"]["hostname"] == "q"' ||
     fail "a one-letter host name"
 fi
-# A device is written as it is, not replaced.
-"$report" --junit=/dev/null <"$golden/healthy_run.in" >/dev/null 2>"$scratch/err" &&
-  [ -c /dev/null ] || fail "/dev/null as an output: $(cat "$scratch/err")"
+# A FIFO (like a device) is written as it is, not replaced. Not /dev/null:
+# a program that replaced it would wreck the machine's.
+mkfifo "$scratch/fifo.xml"
+timeout 20 cat "$scratch/fifo.xml" >"$scratch/from-fifo.xml" &
+reader=$!
+timeout 20 "$report" --junit="$scratch/fifo.xml" <"$golden/healthy_run.in" >/dev/null 2>"$scratch/err"
+status=$?
+[ $status -eq 0 ] || timeout 5 sh -c ': >"$1"' sh "$scratch/fifo.xml"  # lets the reader go
+wait $reader
+[ $status -eq 0 ] && [ -p "$scratch/fifo.xml" ] && xmllint --noout "$scratch/from-fifo.xml" 2>/dev/null ||
+  fail "a FIFO as an output: $(cat "$scratch/err")"
 "$report" --json="$scratch/kept.json" <"$golden/healthy_run.in" >/dev/null 2>&1
 cp "$scratch/kept.json" "$scratch/kept.before"
 (ulimit -f 8; exec "$report" --json="$scratch/kept.json" <"$golden/stuck_led.in") >/dev/null 2>"$scratch/err"
