@@ -126,7 +126,9 @@ assert got == eval(sys.argv[2]), got' "$scratch/span.json" "$want" || fail "$db 
   span "(1, 1, 0, 1, 0, 0, 0)" --since=2026-11-21T09:25:00.000Z --until=2026-11-21T09:30:00Z
   span "(1, 1, 0, 1, 0, 0, 0)" --since=2026-11-21T10:25:00+01:00 --until=2026-11-22
   report --history --db="$1" --unit=SN2 >"$scratch/unit.txt"
-  [ "$(grep -c 'PASS\|FAIL' "$scratch/unit.txt")" = 2 ] && grep -q 'FAIL     4 (first: ' "$scratch/unit.txt" ||
+  # Its runs' stations and verdicts, a column each.
+  [ "$(awk 'NR > 2 { printf "%s %s ", $2, $4 }' "$scratch/unit.txt")" = "ST1 FAIL ST2 PASS " ] &&
+    grep -q 'FAIL     4 (first: ' "$scratch/unit.txt" ||
     fail "$1: --unit=SN2: $(cat "$scratch/unit.txt")"
   report --history --db="$1" --unit=SN8 | grep -q ' MARGINAL ' || fail "$1: --unit=SN8 does not show its marginal pass"
   for unit in SN2 SN8; do report --history --db="$1" --unit=$unit --json="$scratch/$unit.json" >/dev/null; done
@@ -205,6 +207,11 @@ expect_refused "a newer schema" "schema version 99 is newer" "$scratch/newer.db"
 /usr/bin/python3 -c 'import sqlite3,sys; sqlite3.connect(sys.argv[1]).execute("CREATE TABLE q7cal_history (id INTEGER)")' \
   "$scratch/unversioned.db"
 expect_refused "a history table without its version" "schema_version" "$scratch/unversioned.db"
+# A server that cannot be reached and a spool that cannot be made (a file
+# stands where its folder would be): both are said, and the record is lost.
+"$report" --spool="$scratch/text.db/spool" --db=postgres://127.0.0.1:1/q7cal "$golden/healthy_run.in" >/dev/null 2>"$scratch/err"
+[ $? -eq 2 ] && grep -q "^q7cal-report: cannot make the spool $scratch/text.db/spool: Not a directory$" "$scratch/err" &&
+  grep -q 'record is not kept' "$scratch/err" || fail "a spool that cannot be made: $(cat "$scratch/err")"
 # A unit with no name (no --unit, no MAC address) is not kept.
 report --db="$db" "$golden/interactive_session.in" >/dev/null 2>"$scratch/err"
 [ $? -eq 2 ] && [ "$(wc -l <"$scratch/err")" -eq 6 ] && grep -q 'name it with --unit' "$scratch/err" ||
