@@ -91,12 +91,24 @@ void RemovePendingOutputs(int signal)
     raise(signal);
 }
 
+// Where a file that is not there yet would be: its folder resolved (".",
+// "..", links), then its own name.
+std::string Location(const std::string &path)
+{
+    const size_t slash = path.rfind('/');
+    const std::string folder = slash == std::string::npos ? "." : path.substr(0, slash + 1);
+    char resolved[PATH_MAX];
+    if (realpath(folder.c_str(), resolved) == nullptr)
+        return path;
+    return std::string(resolved) + "/" + path.substr(slash == std::string::npos ? 0 : slash + 1);
+}
+
 bool SameFile(const std::string &a, const std::string &b)
 {
     struct stat first {}, second {};
     if (stat(a.c_str(), &first) == 0 && stat(b.c_str(), &second) == 0)
         return first.st_dev == second.st_dev && first.st_ino == second.st_ino;
-    return a == b;
+    return Location(a) == Location(b);
 }
 
 }  // namespace

@@ -16,6 +16,7 @@
 #include "automated.h"
 #include "console.h"
 #include "console_capture.h"
+#include "failing_malloc.h"
 #include "instant_sleep.h"
 
 namespace {
@@ -448,6 +449,43 @@ TEST_F(AutomatedTestTest, EveryRegisterCallNamesItsBankRegisterDataAndTiming)
     }
 }
 
+// The loopback group: the TR switches, and the calibrations with their fixed
+// parameters (frequency index 5; scan list 5 at -40 dBm on both antennas;
+// transmitter 0, the active one), each in the mode pushed for it.
+TEST_F(AutomatedTestTest, TheLoopbackCalibrationsAreSentTheirFixedParameters)
+{
+    q7sim::control::RecordCalls();
+    EXPECT_EQ(RunHandler(AutomatedLoopbackGroupTest, hCal, "").result, 0);
+    const std::vector<LoggedCall> expected = {
+        {"Q7_SetDeviceMode", {5, 0, 1000, 0}},   {"Q7_SetTRSwitch", {0, 0}},
+        {"Q7_CalibrateTxPoutFreqCorr", {5}},     {"Q7_SetDeviceMode", {4, 0, 1000, 0}},
+        {"Q7_CalibrateFESteps", {5, -40, -40}},  {"Q7_SetDeviceMode", {5, 0, 1000, 0}},
+        {"Q7_CalibrateTxExtAttnStep", {0}},      {"Q7_SetDeviceMode", {0, 0, 0, 0}},
+    };
+    EXPECT_EQ(LoggedCallsOf({"Q7_SetDeviceMode", "Q7_SetTRSwitch", "Q7_CalibrateTxPoutFreqCorr", "Q7_CalibrateFESteps",
+                             "Q7_CalibrateTxExtAttnStep"}),
+              expected);
+}
+
+// Each buffer of the DSD read/write group failed in turn (the test block's,
+// then each region's): the group says so after the size it could not hold
+// and goes on with the rest.
+TEST_F(AutomatedTestTest, ADsdBufferThatCannotBeAllocatedIsSaidAndTheGroupGoesOn)
+{
+    CountAllocations();
+    const std::string whole = RunHandler(AutomatedDSDReadWriteGroupTest, hCal, "").output;
+    const unsigned allocations = StopCountingAllocations();
+    EXPECT_GE(allocations, 2u);
+    for (unsigned failing = 1; failing <= allocations; failing++) {
+        CountAllocations(failing);
+        HandlerRun run = RunHandler(AutomatedDSDReadWriteGroupTest, hCal, "");
+        StopCountingAllocations();
+        EXPECT_EQ(run.result, 0);
+        EXPECT_TRUE(Contains(run.output, " bytes\nMemory allocation failed.\n")) << failing << ":\n" << run.output;
+        EXPECT_TRUE(EndsWith(run.output, whole.substr(whole.rfind("\nGetNVMSize")))) << failing << ":\n" << run.output;
+    }
+}
+
 // ---- The loopback group stops at its first failing calibration ----
 
 // Each group says how it went: 0, or -1 where it stops early (a failing
@@ -472,7 +510,7 @@ TEST_F(AutomatedTestTest, EachGroupReturnsZeroOrMinusOneWhereItStopsEarly)
         }
     }
     // A session that ends inside a group: the groups that can stop early say
-    // so; the configuration and Rx groups always answer 0.
+    // so; the configuration, Rx and Tx groups always answer 0.
     struct Stop {
         int (*group)(CalInterfaceHandle);
         const char *operation;  // SIGTERM at its first call
@@ -482,7 +520,8 @@ TEST_F(AutomatedTestTest, EachGroupReturnsZeroOrMinusOneWhereItStopsEarly)
         {AutomatedLoopbackGroupTest, "Q7_CalibrateFESteps", -1}, {AutomatedOtherCommandGroupTest, "Q7_SetGPIOConfiguration", -1},
         {AutomatedOtherCommandGroupTest, "Q7_ReadRFICRegister", -1}, {AutomatedOtherCommandGroupTest, "Q7_GetTemperature", -1},
         {AutomatedOtherCommandGroupTest, "Q7_SetGPDACValue", -1}, {AutomatedConfigurationGroupTest, "Q7_GetDeviceMode", 0},
-        {AutomatedRxGroupTest, "Q7_SetRxAntConfig", 0},
+        {AutomatedRxGroupTest, "Q7_SetRxAntConfig", 0},         {AutomatedTxGroupTest, "Q7_SetTxAttn", 0},
+        {AutomatedTxGroupTest, "Q7_SetTxOutputPower", 0},
     };
     for (const Stop &stop : stops) {
         CatchStopSignalsInTest();

@@ -168,6 +168,23 @@ PY
   fail "--json=- is not JSON on standard output"
 grep -q '^q7cal-report: PASS unit' "$scratch/err" || fail "with --json=-, the summary is not on standard error"
 [ ! -e ./- ] || fail "--json=- made a file named -"
+# What is read and what is written stay apart, nothing written otherwise:
+# two outputs to one file not there yet, however it is spelt; two to
+# standard output; an output that is an input.
+mkdir "$scratch/apart"
+cp "$golden/healthy_run.in" "$scratch/apart/unit.log"
+apart() {  # WHAT MESSAGE OPTIONS...
+  local what=$1 message=$2
+  shift 2
+  (cd "$scratch/apart" && exec "$report" "$@") >/dev/null 2>"$scratch/err"
+  local status=$?
+  [ $status -eq 2 ] && [ "$(cat "$scratch/err")" = "q7cal-report: $message: nothing written" ] &&
+    [ "$(ls "$scratch/apart")" = unit.log ] && cmp -s "$scratch/apart/unit.log" "$golden/healthy_run.in" ||
+    fail "$what: status $status, $(cat "$scratch/err")"
+}
+apart "one file spelt two ways" "two outputs go to ./same" --json=same --html=./same unit.log
+apart "two outputs to standard output" "two outputs go to standard output" --json=- --html=- unit.log
+apart "an output that is an input" "the output ./unit.log is also an input" --junit=./unit.log unit.log
 # A one-letter host name is the host's name as it stands.
 if [ "$(id -u)" = 0 ] && unshare --uts true 2>/dev/null; then
   unshare --uts sh -c 'hostname q && exec "$1" --json=- <"$2"' sh "$report" "$golden/healthy_run.in" 2>/dev/null |

@@ -572,16 +572,18 @@ TEST(ReportTest, MarkupAndOddBytesInAnErrorTextReachEveryFileIntact)
     EXPECT_NE(page.find("ERROR: &lt;a&gt; &amp; &quot;b&quot; &lt;/script&gt; \u2401\ufffd"), std::string::npos);
 
     // XML has no place for U+FFFE and U+FFFF; UTF-8 none for the surrogates
-    // (the first and the last of them here), each byte of which is replaced.
-    UnitRecord odd = Judge(std::string(kSessionStart) + "Read DSD Bytes:\n\nERROR: \uFFFE\uFFFF \xed\xa0\x80 \xed\xbf\xbf\n\n"
-                                                        "******** Tx Commands ********\n");
+    // (the first and the last of them here) or for a lead byte F8, each byte
+    // of which is replaced. A four-byte character led by F4 is kept.
+    UnitRecord odd = Judge(std::string(kSessionStart) +
+                           "Read DSD Bytes:\n\nERROR: \uFFFE\uFFFF \xed\xa0\x80 \xed\xbf\xbf \xf8\x90\x80\x80 \U0010FFFD\n\n"
+                           "******** Tx Commands ********\n");
     ASSERT_EQ(document.Parse(q7report::JunitXml({odd}, {}).c_str()), tinyxml2::XML_SUCCESS);
     EXPECT_STREQ(document.FirstChildElement("testsuites")
                      ->FirstChildElement("testsuite")
                      ->FirstChildElement("testcase")
                      ->FirstChildElement("failure")
                      ->Attribute("message"),
-                 "ERROR: \ufffd\ufffd \ufffd\ufffd\ufffd \ufffd\ufffd\ufffd");
+                 "ERROR: \ufffd\ufffd \ufffd\ufffd\ufffd \ufffd\ufffd\ufffd \ufffd\ufffd\ufffd\ufffd \U0010FFFD");
 }
 
 // --since and --until: every form of ISO 8601 the tool writes or a line types,

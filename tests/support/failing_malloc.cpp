@@ -11,12 +11,20 @@ unsigned gs_failing = 0;
 }  // namespace
 
 extern "C" void *__real_malloc(size_t size);
+extern "C" void *__real_calloc(size_t count, size_t size);
 
 extern "C" void *__wrap_malloc(size_t size)
 {
     if (gs_counting && ++gs_counted == gs_failing)
         return nullptr;
     return __real_malloc(size);
+}
+
+extern "C" void *__wrap_calloc(size_t count, size_t size)
+{
+    if (gs_counting && ++gs_counted == gs_failing)
+        return nullptr;
+    return __real_calloc(count, size);
 }
 
 void CountAllocations(unsigned failing)
