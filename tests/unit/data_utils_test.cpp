@@ -6,6 +6,7 @@
 
 #include "console_capture.h"
 #include "data_utils.h"
+#include "scripted_rand.h"
 
 namespace {
 
@@ -37,6 +38,11 @@ TEST(Q7_rand32, MixesThreeDrawsOfRand)
     uint32_t r1 = (uint32_t)rand(), r2 = (uint32_t)rand(), r3 = (uint32_t)rand();
     srand(12345);
     EXPECT_EQ(Q7_rand32(), (((r1 << 15) ^ r2) << 2) ^ r3);
+    // Draws that mix to zero give all 32 bits set instead.
+    ScriptRand({1, 0x8000, 0});
+    EXPECT_EQ(Q7_rand32(), 0xFFFFFFFFu);
+    ScriptRand({0, 1, 4});
+    EXPECT_EQ(Q7_rand32(), 0xFFFFFFFFu);
 }
 
 }  // namespace
