@@ -510,7 +510,7 @@ TEST_F(AutomatedTestTest, EachGroupReturnsZeroOrMinusOneWhereItStopsEarly)
         }
     }
     // A session that ends inside a group: the groups that can stop early say
-    // so; the configuration, Rx and Tx groups always answer 0.
+    // so; the configuration, Rx, Tx and DSD groups always answer 0.
     struct Stop {
         int (*group)(CalInterfaceHandle);
         const char *operation;  // SIGTERM at its first call
@@ -523,6 +523,10 @@ TEST_F(AutomatedTestTest, EachGroupReturnsZeroOrMinusOneWhereItStopsEarly)
         {AutomatedRxGroupTest, "Q7_SetRxAntConfig", 0},         {AutomatedTxGroupTest, "Q7_SetTxAttn", 0},
         {AutomatedTxGroupTest, "Q7_SetTxOutputPower", 0},
     };
+    EXPECT_EQ(RunHandler(AutomatedDSDManagementGroupTest, hCal, "").result, 0);  // input ends at its prompt
+    u32DeviceModeStackPointer = 0;
+    q7sim::control::Reset();
+    SetUp();
     for (const Stop &stop : stops) {
         CatchStopSignalsInTest();
         q7sim::control::OnEveryCall([&stop, seen = 0u](const std::string &operation) mutable {

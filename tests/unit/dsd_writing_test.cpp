@@ -382,6 +382,14 @@ TEST_F(DsdWritingTest, EachWayAWriteCanGoWrongIsSaidInItsOwnWords)
          "\nWRITE ERROR: NVM write failed after 5 bytes\n\nRestoring original DSD  values ... \n"
          "\n    Number of 32-bit words actually written = 4\n",
          -1},
+        {"data write fails part-way, and the range cannot be read", TestWriteDSDBlock, "200\n4\n1\n1\n3\nCAFEF00D\n",
+         [] {
+             control::FailWriteAfter("Q7_WriteDSDBytes", 1, 5);
+             control::FailCall("Q7_ReadDSDBytes", 3, "NVM read timed out");
+         },
+         "\nWRITE ERROR: NVM write failed after 5 bytes\n\nREAD ERROR: NVM read timed out\n" + std::string(kWarning) +
+             "the range could not be read after the failed write.\n",
+         -1},
         {"region write fails part-way, no restore asked yet", TestWriteDSDRegionByID, "7\n1\n10\n",
          [] { control::FailWriteAfter("Q7_WriteDSDRegionByID", 1, 5); },
          "\nWRITE ERROR: NVM write failed after 5 bytes\n" + std::string(kWarning) +
