@@ -80,6 +80,11 @@ BYTE_WRITE_TO_VERIFY = "7\r7\r100\r4\r1\r1\r1\r"  # WriteDSDBytes at 0x100, 4 ra
 # ---- Ctrl-C, history and the keys that must not change an answer ----------
 q7cal = Terminal([program])
 q7cal.prompt(MENU, "1\r")  # Configuration Commands
+# The editor draws a prompt once, over the one printed; only a session
+# brought back (fg) has it drawn again before a key.
+shown = q7cal.wait_for("******** Configuration Commands ********")
+if MENU in shown:
+    fail("the prompt was drawn again before a key was typed:", shown.encode())
 q7cal.prompt(MENU, "4\r")  # Set device mode: Ctrl-C at its first prompt
 q7cal.prompt("    DUT Mode        ? ", "\x03")
 shown = q7cal.wait_for("\r" + MENU)

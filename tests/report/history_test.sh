@@ -33,8 +33,8 @@ units=(
   "hot_unit SN3 ST1 2026-11-20T10:20:00" "healthy_run SN2 ST2 2026-11-21T09:00:00"
   "healthy_run SN4 ST2 2026-11-21T09:10:00" "hot_unit SN3 ST2 2026-11-21T09:20:00"
   "stuck_led SN5 ST2 2026-11-21T09:30:00" "stuck_led SN6 ST1 2026-11-23T08:00:00.500"
-  "healthy_run SN6 ST1 2026-11-23T08:00:00.500" "healthy_run SN7 ST1 2026-11-23T08:00:00.700"
-  "hot_unit SN7 ST1 2026-11-23T08:00:00.700" "warm_run SN8 ST2 2026-11-23T09:00:00"
+  "healthy_run SN6 ST1 2026-11-23T08:00:00.500" "healthy_run SN7 ST1 2026-11-23T08:00:00.700000300"
+  "hot_unit SN7 ST1 2026-11-23T08:00:00.700000300" "warm_run SN8 ST2 2026-11-23T09:00:00"
 )
 sed 's/Temperature = 33 C/Temperature = 44 C/' "$golden/healthy_run.in" >"$scratch/warm_run.in"
 append_units() {  # DATABASE
@@ -143,6 +143,9 @@ PY
   # Two runs of one second read in the order they were appended, in either database.
   report --history --db="$1" --unit=SN6 | awk 'NR > 2 { print $4 }' | tr '\n' ' ' | grep -qx 'FAIL PASS ' ||
     fail "$1: SN6's runs of one second are out of order"
+  # A start to its millisecond, however many nanoseconds past it the file was written.
+  [ "$(report --history --db="$1" --unit=SN7 | grep -c '^  2026-11-23T08:00:00\.700Z ')" = 2 ] ||
+    fail "$1: SN7's starts are not to their millisecond: $(report --history --db="$1" --unit=SN7)"
 }
 
 # Several stations appending at once: every unit arrives whole.
