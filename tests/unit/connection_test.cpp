@@ -40,6 +40,14 @@ TEST_F(ConnectionTest, ADeviceThatNeverAnswersFailsAfterExactlyTenAttempts)
     EXPECT_EQ(output.find("Success"), std::string::npos);
 }
 
+// No interface to be had: a null handle is no attempt, and no connection.
+TEST_F(ConnectionTest, ANullHandleFailsWithoutAnAttempt)
+{
+    int result = 0;
+    EXPECT_EQ(RunWithInput("", [&] { result = Initialize(nullptr); }), "");
+    EXPECT_EQ(result, -1);
+}
+
 TEST_F(ConnectionTest, AtExitTheDeviceIsDisconnectedAndThenTheInterfaceClosed)
 {
     CalInterfaceHandle hCal = Open();
