@@ -185,6 +185,25 @@ apart() {  # WHAT MESSAGE OPTIONS...
 apart "one file spelt two ways" "two outputs go to ./same" --json=same --html=./same unit.log
 apart "two outputs to standard output" "two outputs go to standard output" --json=- --html=- unit.log
 apart "an output that is an input" "the output ./unit.log is also an input" --junit=./unit.log unit.log
+# A signal while a unit still arrives on a pipe: the outputs' new files,
+# beside them in their folder, are removed, and no output takes their place.
+mkdir "$scratch/signalled"
+mkfifo "$scratch/arriving"
+(cd "$scratch/signalled" && exec "$report" --json=unit.json --junit=unit.xml) <"$scratch/arriving" >/dev/null 2>&1 &
+reading=$!
+exec 5>"$scratch/arriving"
+head -n 40 "$golden/healthy_run.in" >&5
+for _ in $(seq 200); do
+  [ "$(ls -A "$scratch/signalled" | grep -c '^\.unit\.')" = 2 ] && break
+  sleep 0.05
+done
+new_files=$(ls -A "$scratch/signalled")
+kill -TERM $reading
+wait $reading
+status=$?
+exec 5>&-
+[ $status -eq 143 ] && [ "$(echo $new_files)" != "" ] && [ -z "$(ls -A "$scratch/signalled")" ] ||
+  fail "a signal while writing: status $status, new files: $new_files; left: $(ls -A "$scratch/signalled")"
 # A one-letter host name is the host's name as it stands.
 if [ "$(id -u)" = 0 ] && unshare --uts true 2>/dev/null; then
   unshare --uts sh -c 'hostname q && exec "$1" --json=- <"$2"' sh "$report" "$golden/healthy_run.in" 2>/dev/null |
