@@ -31,9 +31,11 @@ for option in -h --help; do
   expect 0 "$usage" "" $option
   grep -q -- '-V, --version  show the version and exit' "$out" || fail "the help does not list -V"
   grep -q -- '128+N' "$out" || fail "the help does not list every exit status"
+  ! grep -q 'Trying to open handle' "$out" || fail "the help went on to the device"
 done
 for option in -V --version; do
   expect 0 "q7cal $version" "" $option
+  [ "$(wc -l <"$out")" -eq 1 ] || fail "more than the version: $(cat "$out")"
 done
 # As getopt_long reads them: abbreviations, and "--" ending the options.
 expect 0 "q7cal $version" "" --vers

@@ -132,6 +132,12 @@ q7cal.prompt(TX_POWER, "20\U0010ffff\r")
 shown = q7cal.wait_for("Please enter a number.")
 if "\ufffd" in shown or "\\U+FFFD" in shown or "SUCCESSFUL" in shown:
     fail("U+10FFFF was taken for a broken sequence:", shown.encode())
+# A byte that is no UTF-8 is U+FFFD, refused and shown like any other character.
+q7cal.wait_for("\r" + TX_POWER)
+os.write(q7cal.fd, b"2\xff0\r")
+shown = q7cal.wait_for("Please enter a number.")
+if "2\\U+FFFD0" not in shown or "SUCCESSFUL" in shown:
+    fail("a byte that is no UTF-8 was not shown as U+FFFD:", shown.encode())
 q7cal.prompt(TX_POWER, "-0x\x7f\x1b[D2\r")
 q7cal.wait_for("SetTxOutputPower was SUCCESSFUL.")
 q7cal.prompt(MENU, "3\r")

@@ -125,6 +125,8 @@ assert got == eval(sys.argv[2]), got' "$scratch/span.json" "$want" || fail "$db 
   span "(4, 5, 2, 3, 1, 2, 2)" --since=2026-11-20T10:15:00 --until=2026-11-21
   span "(1, 1, 0, 1, 0, 0, 0)" --since=2026-11-21T09:25:00.000Z --until=2026-11-21T09:30:00Z
   span "(1, 1, 0, 1, 0, 0, 0)" --since=2026-11-21T10:25:00+01:00 --until=2026-11-22
+  # A span of one millisecond: both ends belong to it.
+  span "(1, 1, 0, 1, 0, 0, 0)" --since=2026-11-21T09:30:00.000Z --until=2026-11-21T09:30:00.000Z
   report --history --db="$1" --unit=SN2 >"$scratch/unit.txt"
   # Its runs' stations and verdicts, a column each.
   [ "$(awk 'NR > 2 { printf "%s %s ", $2, $4 }' "$scratch/unit.txt")" = "ST1 FAIL ST2 PASS " ] &&

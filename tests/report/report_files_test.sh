@@ -95,6 +95,11 @@ sed '/"Temperature"/,/}/ s/"low": 30.0/"low": 50.0/; /"Temperature"/,/}/ s/"high
      /"Temperature"/,/}/ s/"marginal_low": 32.0/"marginal_low": 50.0/; /"Temperature"/,/}/ s/"marginal_high": 42.0/"marginal_high": 60.0/' \
   "$scratch/limits.json" >"$scratch/hot-limits.json"
 expect 1 "Temperature = 33 C is outside its limits 50 to 60 C" --limits="$scratch/hot-limits.json"
+# A quantity without a marginal band is printed without one.
+"$report" --limits="$scratch/hot-limits.json" --print-limits | /usr/bin/python3 -c 'import json, sys
+t = json.load(sys.stdin)["limits"]["Temperature"]
+assert (t["low"], t["high"]) == (50, 60) and "marginal_low" not in t and "marginal_high" not in t, t' ||
+  fail "--print-limits shows a marginal band a quantity does not have"
 sed 's/"Temperature"/"Temprature"/' "$scratch/limits.json" >"$scratch/bad-limits.json"
 expect 2 '"Temprature" is no quantity the automated run measures' --limits "$scratch/bad-limits.json"
 expect 2 "^q7cal-report: cannot read $scratch/no-limits.json: No such file or directory$" --limits="$scratch/no-limits.json"
