@@ -210,6 +210,13 @@ TEST_F(HandlersTest, DsdInformationTheDeviceNeverReportsIsShownByItsCodes)
     ExpectShown(cases);
 }
 
+// A connect and a disconnect that the device took answer 0, as every handler does.
+TEST_F(HandlersTest, ConnectAndDisconnectAnswerZero)
+{
+    EXPECT_EQ(RunHandler(TestDisconnectDevice, hCal, "").result, 0);
+    EXPECT_EQ(RunHandler(TestConnectDevice, hCal, "").result, 0);
+}
+
 TEST_F(HandlersTest, DsdReadsAndCopiesTakeWhatIsTypedAndDumpOnlyWhatWasRead)
 {
     device().dsd.nvm.Section(0)[0x10] = 0x7F;  // the copy offset is hexadecimal: 10 is 16
@@ -219,6 +226,7 @@ TEST_F(HandlersTest, DsdReadsAndCopiesTakeWhatIsTypedAndDumpOnlyWhatWasRead)
     q7sim::control::FailNext("Q7_ReadDSDBytes", 1, "read reached the device");
     HandlerRun run = RunHandler(TestReadDSDBlock, hCal, "0\n1073741824\n");
     EXPECT_TRUE(EndsWith(run.output, "\nERROR: Block size of 1073741824 words is too large (at most 1073741823)\n"));
+    EXPECT_EQ(run.result, -1);
     uint8_t byte = 0;
     EXPECT_STREQ(Q7_ReadDSDBytes(hCal, &byte, 1, 0), "read reached the device") << "nothing was read before";
 
