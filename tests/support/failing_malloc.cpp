@@ -8,6 +8,9 @@ bool gs_counting = false;
 unsigned gs_counted = 0;
 unsigned gs_failing = 0;
 
+// Counts one allocation; true for the one that is to fail.
+bool FailsNow() { return gs_counting && ++gs_counted == gs_failing; }
+
 }  // namespace
 
 extern "C" void *__real_malloc(size_t size);
@@ -15,16 +18,12 @@ extern "C" void *__real_calloc(size_t count, size_t size);
 
 extern "C" void *__wrap_malloc(size_t size)
 {
-    if (gs_counting && ++gs_counted == gs_failing)
-        return nullptr;
-    return __real_malloc(size);
+    return FailsNow() ? nullptr : __real_malloc(size);
 }
 
 extern "C" void *__wrap_calloc(size_t count, size_t size)
 {
-    if (gs_counting && ++gs_counted == gs_failing)
-        return nullptr;
-    return __real_calloc(count, size);
+    return FailsNow() ? nullptr : __real_calloc(count, size);
 }
 
 void CountAllocations(unsigned failing)
