@@ -27,18 +27,13 @@ size_t SequenceAt(const std::string &text, size_t at, uint32_t &codePoint)
     return length;
 }
 
-void AppendUtf8(std::string &out, uint32_t codePoint)
+// The control picture of a C0 control (U+2400 to U+241F) or of DEL (U+2421):
+// every one is three bytes of UTF-8.
+std::string ControlPicture(uint32_t control)
 {
-    if (codePoint < 0x80) {
-        out += static_cast<char>(codePoint);
-    } else if (codePoint < 0x800) {
-        out += static_cast<char>(0xC0 | (codePoint >> 6));
-        out += static_cast<char>(0x80 | (codePoint & 0x3F));
-    } else {
-        out += static_cast<char>(0xE0 | (codePoint >> 12));
-        out += static_cast<char>(0x80 | ((codePoint >> 6) & 0x3F));
-        out += static_cast<char>(0x80 | (codePoint & 0x3F));
-    }
+    const uint32_t picture = control == 0x7F ? 0x2421 : 0x2400 + control;
+    return {static_cast<char>(0xE0 | (picture >> 12)), static_cast<char>(0x80 | ((picture >> 6) & 0x3F)),
+            static_cast<char>(0x80 | (picture & 0x3F))};
 }
 
 }  // namespace
@@ -86,7 +81,7 @@ std::string VisibleControls(const std::string &text)
             continue;
         }
         if ((codePoint < 0x20 && codePoint != '\t' && codePoint != '\n') || codePoint == 0x7F)
-            AppendUtf8(visible, codePoint == 0x7F ? 0x2421 : 0x2400 + codePoint);
+            visible += ControlPicture(codePoint);
         else if (codePoint == 0xFFFE || codePoint == 0xFFFF)
             visible += kReplacement;
         else
