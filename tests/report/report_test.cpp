@@ -177,6 +177,31 @@ TEST(ReportTest, TheRunEndsJudgedByItsFinalPopAndTheLineAfterIt)
     EXPECT_EQ(cut.checks.size(), judged.checks.size());
 }
 
+// Each check takes the time from the check before it to the line that
+// settled it: a spectrum cut short by the run's first push is settled there,
+// and the run's own checks are timed from it.
+TEST(ReportTest, AListCutShortByARunIsSettledWhereTheRunStarts)
+{
+    std::string rows = "   0:";
+    for (int bin = 0; bin < 16; bin++)
+        rows += "   12.0";
+    std::vector<q7report::TimedLine> lines =
+        Lines("\nTrying to open handle to Device...Success!!\n\n\n******** Rx Commands ********\n\n"
+              "ENTER OPTION : GetRxSpectrum\n\nSpectrum length = 16\n\n" + rows + "\n"
+              "ENTER OPTION : Push[ 1] - set device mode: mode = 4 modulation = 1 CW Offset=1000 LoopbackTX=0 \n"
+              "\n\n------------- Testing CONFIGURATION COMMAND GROUP\n");
+    for (size_t i = 0; i < lines.size(); i++)
+        lines[i].at = 10.0 * i;
+    const double pushAt = lines[lines.size() - 4].at, endAt = lines.back().at;
+    UnitRecord judged = q7report::JudgeTranscript(lines, q7report::Limits::Default());
+    const Check *floor = Find(judged, "GetRxSpectrum: Rx spectrum noise floor");
+    ASSERT_NE(floor, nullptr);
+    EXPECT_TRUE(floor->passed) << floor->message;
+    EXPECT_DOUBLE_EQ(floor->seconds, pushAt);
+    ASSERT_NE(Find(judged, "run complete"), nullptr);
+    EXPECT_DOUBLE_EQ(judged.checks[2].seconds, endAt - pushAt);  // the run's first check
+}
+
 // The closed world: whatever line of a healthy run the plan needs (a verdict,
 // a state, a measured value, an entry of a measured list), deleting it,
 // repeating it or spoiling its last word fails the unit. Only a refused
@@ -393,6 +418,7 @@ TEST(ReportTest, ALimitsTableGivesEveryPlannedQuantityItsLimitsOrIsRefused)
         {R"({"limits": {}})", "no limits for \"Temperature\""},
         {with("\"unit\": \"C\",", ""), "\"Temperature\" needs its \"unit\""},
         {with("\"unit\": \"C\"", "\"unit\": \"F\""), "\"Temperature\" is measured in \"C\", not \"F\""},
+        {with("\"high\": 45.0", "\"high\": \"45\""), "\"Temperature\" needs a number \"high\""},
         {with("\"high\": 45.0", "\"hihg\": 45.0"), "\"Temperature\" has a member \"hihg\" that limits do not have"},
         {with("\"marginal_high\": 42.0", "\"marginal_high\": 46.0"), "\"Temperature\"'s marginal band is not inside its limits"},
         {with("\"low\": 30.0", "\"low\": 50.0"), "\"Temperature\" has its low limit above its high one"},
