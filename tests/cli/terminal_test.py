@@ -7,7 +7,8 @@ would, directly and from an interactive bash with job control:
   mend a line; the up arrow recalls an earlier answer, to be edited too; an
   unbound key (F5) leaves nothing in the line; a Unicode minus, a no-break
   space and full-width digits are refused and asked again, never dropped;
-  words typed ahead do not answer a pause;
+  words typed ahead do not answer a pause, nor the rest of a line typed at
+  one the question after it;
 - Ctrl-\\ (SIGQUIT) finishes the command's restore, leaves with 131 and the
   terminal as it was found;
 - after Ctrl-Z and fg the prompt and the line are redrawn; a stopped session
@@ -174,6 +175,19 @@ q7cal.type("\x03")
 shown = q7cal.wait_for("\r" + MENU)
 if "Interrupted: command abandoned." not in shown or "Testing GetRxAntConfig" in shown:
     fail("the words typed ahead answered the automated run's pause:", shown.encode())
+
+# A line typed at a pause answers the pause alone: the rest of "x 1" at the
+# sixth does not answer the DSD group's address question after it.
+q7cal.type("2\r")  # the menu is drawn already: Automated test
+for pause in range(6):
+    q7cal.wait_for("\rPress Enter to continue")
+    q7cal.type("\r" if pause < 5 else "x 1\r")
+q7cal.prompt("    DSD address ? ", "1\r")
+q7cal.wait_for("LoadDSD was SUCCESSFUL.")
+for pause in range(2):
+    q7cal.wait_for("\rPress Enter to continue")
+    q7cal.type("\r")
+q7cal.wait_for("\r" + MENU)
 
 # Ctrl-C at a menu leaves through the normal exit.
 q7cal.type("\x03")
