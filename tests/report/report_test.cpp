@@ -612,6 +612,29 @@ TEST(ReportTest, MarkupAndOddBytesInAnErrorTextReachEveryFileIntact)
                  "ERROR: \ufffd\ufffd \ufffd\ufffd\ufffd \ufffd\ufffd\ufffd \ufffd\ufffd\ufffd\ufffd \U0010FFFD");
 }
 
+// The page is written in 64 KiB pieces of the units' sections: a last piece
+// of one byte is kept too. Each character of an error text is two bytes of
+// its unit's section (its message and its evidence).
+TEST(ReportTest, APageKeepsTheLastByteOfItsSections)
+{
+    const std::string tail = "</section>\n<script>\n// A unit's plots";
+    auto page = [](size_t errorLength) {
+        UnitRecord unit = Judge(std::string(kSessionStart) + "Read DSD Bytes:\n\nERROR: " +
+                                std::string(errorLength, 'x') + "\n\n******** Tx Commands ********\n");
+        return q7report::HtmlPage({unit}, {}, "", "");
+    };
+    auto sectionsLength = [&](const std::string &html) {
+        return html.find(tail) + tail.find('<', 1) - (html.find("</table>\n</section>\n") + 20);
+    };
+    const size_t first = (65536 + 1 - sectionsLength(page(0))) / 2;
+    bool found = false;
+    for (size_t length = first - 2; length < first + 2 && !found; length++) {
+        std::string html = page(length);
+        found = sectionsLength(html) % 65536 == 1;
+    }
+    EXPECT_TRUE(found) << "no page had sections one byte past 64 KiB with that byte kept";
+}
+
 // --since and --until: every form of ISO 8601 the tool writes or a line types,
 // as UTC milliseconds; an end reaches to the end of its last unit; anything
 // impossible or malformed is refused.
