@@ -5,7 +5,8 @@
 # reader has gone, a file-size limit); 128 + N after stop signal N, taken at
 # the menu and inside a command, both through the normal exit, and while a
 # write to a slow reader is blocked, with nothing of the output lost. Input
-# that never ends a line ends; a non-blocking input is waited on.
+# that never ends a line ends, and so does one that cannot be read; a
+# non-blocking input is waited on.
 # Usage: exit_status_test.sh PROGRAM
 set -u
 program=$1
@@ -41,6 +42,10 @@ grep -q '^q7cal: write error on standard output: File too large$' "$work/err" ||
 # No line end ever: the input ends (the timeout only stops a program that spins).
 timeout 60 "$program" </dev/zero >/dev/null
 expect_status "endless input without a line end" 0 $?
+
+# An input that cannot be read (a directory: EISDIR) ends as the end of input does.
+timeout 60 "$program" </ >/dev/null
+expect_status "a directory as input" 0 $?
 
 # A non-blocking pipe, written to only once the menu waits: EAGAIN is no end.
 rm -f "$work/fifo"
