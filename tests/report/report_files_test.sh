@@ -18,12 +18,15 @@ fail() { echo "FAIL: $*"; failures=$((failures + 1)); }
 
 # Two units at once, a healthy one and one whose store was corrupted; the
 # options in getopt_long's forms: "--opt value", "--opt=value", an
-# abbreviation, and "--" before the transcripts.
-"$report" --station ST7 --oper="Ada L" --junit "$scratch/units.xml" --json="$scratch/units.json" \
+# abbreviation, and "--" before the transcripts. Each file is made as the
+# umask asks, though each is written aside and renamed into place.
+(umask 027 && exec "$report" --station ST7 --oper="Ada L" --junit "$scratch/units.xml" --json="$scratch/units.json" \
   --html "$scratch/units.html" -- "$golden/healthy_run.in" "$golden/corrupted_store.in" \
-  >"$scratch/out" 2>"$scratch/err"
+  >"$scratch/out" 2>"$scratch/err")
 status=$?
 [ $status -eq 1 ] || fail "two units, one failing: status $status, expected 1"
+[ "$(stat -c %a "$scratch/units.xml" "$scratch/units.json" "$scratch/units.html" | sort -u)" = 640 ] ||
+  fail "the files are not as the umask 027 asks: $(stat -c '%n %a' "$scratch"/units.*)"
 [ "$(grep -c '^q7cal-report: PASS unit 02:1A:C7:30:5E:81 (simulated device)' "$scratch/out")" = 1 ] ||
   fail "no PASS line for the healthy unit: $(cat "$scratch/out")"
 
