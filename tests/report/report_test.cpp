@@ -8,7 +8,9 @@
 
 #include <algorithm>
 #include <cmath>
+#include <csignal>
 #include <cstdio>
+#include <filesystem>
 #include <fstream>
 #include <nlohmann/json.hpp>
 #include <sstream>
@@ -17,6 +19,7 @@
 #include "history_report.h"
 #include "line_classifier.h"
 #include "measurement_limits.h"
+#include "report_files.h"
 #include "report_writers.h"
 #include "run_plan.h"
 #include "transcript.h"
@@ -93,6 +96,8 @@ TEST(ReportTest, ACommandPassesOnlyWithItsGoodEndingAndNothingAmiss)
         {"ConnectDevice:\n     Device connected.\n" + std::string(kNextMenu), true, ""},
         {"Write DSD Block:\n\n2 verify errors.\n\nTestWriteDSDBlock was SUCCESSFUL.\n" + std::string(kNextMenu), false,
          "2 verify errors."},
+        {"Write DSD Block:\n\nx verify errors.\n\nTestWriteDSDBlock was SUCCESSFUL.\n" + std::string(kNextMenu), false,
+         "x verify errors."},
         {"Write DSD Bytes:\n\nWARNING: Original data not restored, because x.\n" + std::string(kNextMenu), false,
          "WARNING: Original data not restored, because x."},
         {"Read DSD Bytes:\n\nREAD ERROR: Device fault\n" + std::string(kNextMenu), false, "READ ERROR: Device fault"},
@@ -635,6 +640,32 @@ TEST(ReportTest, APageKeepsTheLastByteOfItsSections)
     EXPECT_TRUE(found) << "no page had sections one byte past 64 KiB with that byte kept";
 }
 
+// A batch spools a record per unit, each written aside and renamed: the
+// place each one held for the signal handler is free again once it is in,
+// so that the output still being written when a signal comes is removed,
+// however many came before it.
+TEST(ReportTest, ASignalRemovesTheOutputStillBeingWrittenAfterManyWritten)
+{
+    char folder[] = "/tmp/q7report-signal-XXXXXX";
+    ASSERT_NE(mkdtemp(folder), nullptr);
+    const std::string dir = folder;
+    EXPECT_EXIT(
+        {
+            q7report::RemoveOutputsOnSignals();
+            for (int unit = 0; unit < 12; unit++)
+                q7report::WriteFile(dir + "/unit" + std::to_string(unit) + ".json", "{}\n");
+            q7report::OutputFile last(dir + "/last.json");
+            if (last.Open())
+                raise(SIGTERM);
+        },
+        testing::KilledBySignal(SIGTERM), "");
+    size_t files = 0;
+    for (const auto &entry : std::filesystem::directory_iterator(dir))
+        files += entry.path().filename().string().rfind("unit", 0) == 0 ? 1 : 100;
+    EXPECT_EQ(files, 12u) << "the unit files, and nothing of the one cut short";
+    std::filesystem::remove_all(dir);
+}
+
 // --since and --until: every form of ISO 8601 the tool writes or a line types,
 // as UTC milliseconds; an end reaches to the end of its last unit; anything
 // impossible or malformed is refused.
@@ -689,6 +720,8 @@ TEST(ReportTest, HistoryTimesAreIso8601AndImpossibleOnesAreRefused)
         EXPECT_FALSE(q7report::ParseHistoryTime(after, false).has_value()) << after;
     }
     EXPECT_EQ(q7report::UtcTime(day + 36005250), "2026-11-25T10:00:05.250Z");
+    // A host whose clock was set before 1970: its seconds count down to the epoch.
+    EXPECT_EQ(q7report::UtcTime(-1000250), "1969-12-31T23:43:19.750Z");
 }
 
 }  // namespace
