@@ -102,13 +102,14 @@ shown = q7cal.wait_for("GetBandConfig was SUCCESSFUL.")
 if "Sorry. Invalid option selected." in shown or "GetBandConfig:" not in shown:
     fail("the up arrow did not recall the answer 5:", shown.encode())
 
-# 1 and then F5, a key whose sequence has a private parameter ("?") and a
-# lone Esc, which the editor does not bind: entry 1 (Get Tx attenuator
+# 1 and then F5, a key whose sequence has a private parameter ("?"), Alt
+# with the up arrow (an Esc before its sequence) and a lone Esc, which the
+# editor does not bind: entry 1 (Get Tx attenuator
 # settings) runs, not 15, and the bell says the keys did nothing. The Enter
 # after the Esc ends the line, not the sequence.
 q7cal.prompt(MENU, "-1\r")
 q7cal.prompt(MENU, "3\r")
-q7cal.prompt(MENU, "1\x1b[15~\x1b[?5~\x1b\r")
+q7cal.prompt(MENU, "1\x1b[15~\x1b[?5~\x1b\x1b[A\x1b\r")
 shown = q7cal.wait_for(TX_SELECTOR)
 if "\a" not in shown or "5~" in shown:
     fail("F5 was not dropped with the bell:", shown.encode())

@@ -178,7 +178,7 @@ grep -q '^q7cal-report: PASS unit' "$scratch/err" || fail "with --json=-, the su
 [ ! -e ./- ] || fail "--json=- made a file named -"
 # What is read and what is written stay apart, nothing written otherwise:
 # two outputs to one file not there yet, however it is spelt; two to
-# standard output; an output that is an input.
+# standard output; an output that is an input, by its name or another.
 mkdir "$scratch/apart"
 cp "$golden/healthy_run.in" "$scratch/apart/unit.log"
 apart() {  # WHAT MESSAGE OPTIONS...
@@ -193,6 +193,8 @@ apart() {  # WHAT MESSAGE OPTIONS...
 apart "one file spelt two ways" "two outputs go to ./same" --json=same --html=./same unit.log
 apart "two outputs to standard output" "two outputs go to standard output" --json=- --html=- unit.log
 apart "an output that is an input" "the output ./unit.log is also an input" --junit=./unit.log unit.log
+ln "$scratch/apart/unit.log" "$scratch/unit.link"
+apart "an output that is an input by another name" "the output ../unit.link is also an input" --junit=../unit.link unit.log
 # A signal while a unit still arrives on a pipe: the outputs' new files,
 # beside them in their folder, are removed, and no output takes their place.
 mkdir "$scratch/signalled"

@@ -165,10 +165,13 @@ TEST(ReportTest, TheRunEndsJudgedByItsFinalPopAndTheLineAfterIt)
     EXPECT_FALSE(warned.Passed());
     EXPECT_EQ(warned.checks.size(), judged.checks.size());  // the transcript's next lines are read as before
 
-    // A pop that did not set the base record fails by itself.
-    std::string wrongPop = healthy;
-    wrongPop.replace(at, pop.size(), "Pop[ 0] - set device mode: mode = 4 modulation = 0 CW Offset=0 LoopbackTX=0 \n");
-    EXPECT_FALSE(Find(Judge(wrongPop), "device mode restored")->passed);
+    // A pop that did not set the base record fails by itself, whichever of its four fields is not 0.
+    for (const char *modes : {"mode = 4 modulation = 0 CW Offset=0 LoopbackTX=0", "mode = 0 modulation = 1 CW Offset=0 LoopbackTX=0",
+                              "mode = 0 modulation = 0 CW Offset=1000 LoopbackTX=0", "mode = 0 modulation = 0 CW Offset=0 LoopbackTX=1"}) {
+        std::string wrongPop = healthy;
+        wrongPop.replace(at, pop.size(), "Pop[ 0] - set device mode: " + std::string(modes) + " \n");
+        EXPECT_FALSE(Find(Judge(wrongPop), "device mode restored")->passed) << modes;
+    }
 
     // Cut off inside: incomplete, every check still to come not checked, the
     // mode among them; the same checks as a whole run.
